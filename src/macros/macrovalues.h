@@ -1,0 +1,63 @@
+#pragma once
+
+#include "macromap.h"
+
+#include <QStringList>
+
+#include <string>
+#include <string_view>
+
+/// The macros of the process and what is done with macros in general: reading lists of them and
+/// replacing references to them. Nothing here fails, every text is a valid list and has an
+/// expansion; only memory can run out (std::bad_alloc). One thread at a time.
+class MacroValues
+{
+public:
+    /// Holds the facts about the host, and the names of the date and time macros, whose values
+    /// are computed when they are referenced.
+    MacroValues();
+
+    /// Defines a system macro, replacing any earlier value.
+    void setSystemMacro(const QString &name, const QString &value);
+
+    /// Cuts the form of the list that documents use at every ';'. A backslash takes the
+    /// character after it literally, whatever it is; the last character of the text stands for
+    /// itself. Nothing is trimmed. Empty items are dropped unless \a keepEmpty.
+    static QStringList splitMacroList(const QString &text, bool keepEmpty);
+
+    /// Defines each item's text before the first '=' as its text after it, later items winning.
+    /// An item without '=' is all name and has the empty value.
+    static MacroMap parseMacroList(const QStringList &items);
+
+    /// \a base with every entry of \a overrides set on it.
+    static MacroMap mergeMacros(const MacroMap &base, const MacroMap &overrides);
+
+    /// \a text with its macro references replaced:
+    ///
+    ///     $(name)            the value; the reference as written when there is none
+    ///     $(name:default)    the value, else the default
+    ///     $(name::default)   the same, and the pass asks for no further one
+    ///
+    /// A reference ends at the parenthesis that balances its own. Names are looked up as they
+    /// are written, first in \a macros and then, with \a useSystemMacros, in the system macros;
+    /// a date or time name that is found gives the current date or time instead of its value.
+    /// A pass that met the introducer inside a reference is followed by another one over its
+    /// whole result. That ends when a pass reproduces its input, after 1,000 passes, or once
+    /// 64 Mi characters were scanned again. The result is null when nothing was appended to it.
+    ///
+    /// A result that grows past 64 Mi characters throws std::bad_alloc.
+    QString expandMacros(const MacroMap &macros, const QString &text, bool useSystemMacros) const;
+
+    /// The same for Latin-1 text, without the way through UTF-16. \a result receives the
+    /// expansion, '?' standing for what Latin-1 lacks; it must not hold \a text itself. Returns
+    /// false, with an empty \a result, where expandMacros() gives a null text.
+    bool expandLatin1(const MacroMap &macros, std::string_view text, bool useSystemMacros,
+                      std::string *result) const;
+
+private:
+    MacroMap systemMacros;
+    char macroIntroducer = '$';
+};
+
+/// The one MacroValues of the process: there before main() is entered, changed only by main().
+extern MacroValues globalMacros;

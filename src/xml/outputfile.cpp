@@ -1,0 +1,150 @@
+#include "outputfile.h"
+
+#include "openfile.h"
+
+#include <cerrno>
+#include <climits>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+/// Everything before the last component of \a path, the '/' included.
+std::string directoryOf(const std::string &path)
+{
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+/// The path that \a path leads to once no symbolic link is left in its last component; there
+/// need not be anything at the end. Empty when the links do not end.
+std::string followLinks(std::string path)
+{
+    constexpr int mostLinks = 40;
+    for (int links = 0; links < mostLinks; ++links) {
+        char link[PATH_MAX];
+        const ssize_t length = readlink(path.c_str(), link, sizeof link);
+        if (length < 0)
+            return path;
+        std::string next(link, static_cast<std::size_t>(length));
+        path = next.starts_with('/') ? next : directoryOf(path) + next;
+    }
+    return {};
+}
+
+bool isSameFile(const struct stat &left, const struct stat &right)
+{
+    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+}
+
+/// Whether \a descriptor is open for the regular file \a file.
+bool isOpenAs(int descriptor, const struct stat &file)
+{
+    struct stat open = {};
+    return fstat(descriptor, &open) == 0 && isSameFile(open, file);
+}
+
+/// Whether the failure to make a file says something about the place rather than about the
+/// moment: only then is there no better way than to write in place.
+bool noFileCanBeMade(int error)
+{
+    return error == EACCES || error == EPERM || error == EROFS || error == ENOENT ||
+           error == ENAMETOOLONG;
+}
+
+/// Gives the new file the owner, where that is allowed, and the mode of the old one.
+bool takeOver(int descriptor, const struct stat &old)
+{
+    struct stat made = {};
+    if (fstat(descriptor, &made) != 0)
+        return false;
+    const bool sameOwner = made.st_uid == old.st_uid && made.st_gid == old.st_gid;
+    if (!sameOwner && fchown(descriptor, old.st_uid, old.st_gid) != 0 && errno != EPERM)
+        return false;
+    return fchmod(descriptor, old.st_mode & 07777) == 0;
+}
+
+}  // namespace
+
+OutputFile::OutputFile(const char *fileName)
+{
+    struct stat old = {};
+    const bool exists = stat(fileName, &old) == 0;
+    if (exists && !S_ISREG(old.st_mode)) {
+        openInPlace(fileName);
+        return;
+    }
+    // Behind a name like /dev/stdout is a file that others go on writing to: what is put in its
+    // place, or written at an offset of its own, would be lost to them or they to it.
+    for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
+        if (exists && isOpenAs(descriptor, old)) {
+            file = fdopen(dup(descriptor), "wb");
+            return;
+        }
+    }
+    if (exists && access(fileName, W_OK) != 0)
+        return;
+    target = followLinks(fileName);
+    struct stat found = {};
+    const bool leadsThere =
+        exists ? stat(target.c_str(), &found) == 0 && isSameFile(old, found) : !target.empty();
+    if (!leadsThere) {
+        openInPlace(fileName);
+        return;
+    }
+    if (!openTemporary()) {
+        if (noFileCanBeMade(errno))
+            openInPlace(fileName);
+        return;
+    }
+    if (exists && !takeOver(fileno(file), old)) {
+        std::fclose(file);
+        file = nullptr;
+    }
+}
+
+OutputFile::~OutputFile()
+{
+    if (file)
+        std::fclose(file);
+    if (!temporary.empty())
+        unlink(temporary.c_str());
+}
+
+void OutputFile::openInPlace(const char *fileName)
+{
+    file = openFile(QString::fromLatin1(fileName), "wb");
+}
+
+bool OutputFile::openTemporary()
+{
+    constexpr int mostNames = 1000;
+    const std::string prefix = directoryOf(target) + ".xmlpp-" + std::to_string(getpid()) + '-';
+    for (int number = 0; number < mostNames; ++number) {
+        std::string name = prefix + std::to_string(number);
+        file = openFile(QString::fromLatin1(name), "wbx");
+        if (file) {
+            temporary = std::move(name);
+            return true;
+        }
+        if (errno != EEXIST)
+            return false;
+    }
+    return false;
+}
+
+bool OutputFile::commit()
+{
+    FILE *stream = file;
+    file = nullptr;
+    const bool written = std::fflush(stream) == 0 && !std::ferror(stream);
+    if (std::fclose(stream) != 0 || !written)
+        return false;
+    if (temporary.empty())
+        return true;
+    if (std::rename(temporary.c_str(), target.c_str()) != 0)
+        return false;
+    temporary.clear();
+    return true;
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+/// A file that is written whole or not at all. The stream goes to a temporary file beside the
+/// one that is meant, which commit() puts into its place: with the old file's mode, and behind
+/// whatever symbolic links lead there. Until then, and after any failure, the old file is as it
+/// was, and an OutputFile that goes without a commit() takes the temporary file with it.
+///
+/// What is no regular file (a device, a pipe), or lies where no file can be made, is written in
+/// place; what is open as standard output or error (/dev/stdout) through that descriptor.
+class OutputFile
+{
+public:
+    explicit OutputFile(const char *fileName);
+    ~OutputFile();
+    OutputFile(const OutputFile &) = delete;
+    OutputFile &operator=(const OutputFile &) = delete;
+
+    /// Null when the file cannot be written.
+    FILE *stream() const { return file; }
+
+    /// Whether all that was written has reached the file. Ends the use of the stream.
+    bool commit();
+
+private:
+    void openInPlace(const char *fileName);
+    bool openTemporary();
+
+    FILE *file = nullptr;
+    std::string target;     ///< the file itself, no symbolic link
+    std::string temporary;  ///< empty when the file is written in place
+};

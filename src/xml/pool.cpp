@@ -1,0 +1,74 @@
+#include "pool.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <new>
+
+Pool::Block *Pool::freeBlocks = nullptr;
+Pool *Pool::currentPool = nullptr;
+
+Pool::~Pool()
+{
+    clear();
+    if (currentPool == this)
+        currentPool = nullptr;
+}
+
+void *Pool::allocateFromNextBlock(std::size_t size)
+{
+    const std::size_t rounded = roundUp(size);
+    if (rounded < size)
+        throw std::bad_alloc();
+    Block *next = takeBlock(std::max(rounded, smallestBlock));
+    next->next = block;
+    block = next;
+    usedBefore += used;
+    used = rounded;
+    capacity = next->size;
+    memory = next->memory;
+    return memory;
+}
+
+Pool::Block *Pool::takeBlock(std::size_t wanted)
+{
+    for (Block **link = &freeBlocks; *link; link = &(*link)->next) {
+        if ((*link)->size >= wanted) {
+            Block *taken = *link;
+            *link = taken->next;
+            return taken;
+        }
+    }
+    auto memory = std::unique_ptr<char[]>(new char[wanted]);
+    Block *made = new Block{nullptr, wanted, memory.get()};
+    (void)memory.release();  // owned by the block record from here on
+    return made;
+}
+
+void Pool::clear()
+{
+    while (block) {
+        Block *released = block;
+        block = released->next;
+        std::memset(released->memory, 0xFE, released->size);
+        released->next = freeBlocks;
+        freeBlocks = released;
+    }
+    used = 0;
+    capacity = 0;
+    memory = nullptr;
+    usedBefore = 0;
+}
+
+Pool *Pool::setCurrent(Pool *pool)
+{
+    Pool *previous = currentPool;
+    currentPool = pool;
+    return previous;
+}
+
+Pool *Pool::makeDefaultPool()
+{
+    currentPool = new Pool;
+    return currentPool;
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <cstddef>
+
+/// Memory that is given back all at once. Pieces are carved from blocks of at least 8192 bytes
+/// and are aligned to 8. A cleared pool's blocks go to a list that every pool of the process
+/// takes from; they are never returned to the heap. Nothing here reports an error; a heap that
+/// is exhausted throws std::bad_alloc. One thread at a time.
+class Pool
+{
+public:
+    Pool() = default;
+    ~Pool();
+    Pool(const Pool &) = delete;
+    Pool &operator=(const Pool &) = delete;
+
+    /// \a size bytes, rounded up to a multiple of 8; none of them is initialised.
+    void *allocate(std::size_t size)
+    {
+        // What is left of a block is a multiple of 8, so the size need not be rounded first.
+        if (block && size <= capacity - used) {
+            char *piece = memory + used;
+            used += roundUp(size);
+            return piece;
+        }
+        return allocateFromNextBlock(size);
+    }
+
+    /// Releases every block, filled with 0xFE so that a stale pointer shows. The pool is empty
+    /// afterwards and can be used again.
+    void clear();
+
+    /// Bytes handed out since the pool was last empty, padding included.
+    std::size_t bytesUsed() const { return usedBefore + used; }
+
+    /// Makes \a pool the current one and returns the one that was; either can be null.
+    static Pool *setCurrent(Pool *pool);
+
+    /// allocate() on the current pool; a default pool, kept until the process ends, becomes
+    /// current when there is none.
+    static void *allocateCurrent(std::size_t size)
+    {
+        return (currentPool ? currentPool : makeDefaultPool())->allocate(size);
+    }
+
+private:
+    struct Block {
+        Block *next;
+        std::size_t size;
+        char *memory;
+    };
+
+    static constexpr std::size_t smallestBlock = 8192;
+    static std::size_t roundUp(std::size_t size) { return (size + 7) & ~std::size_t{7}; }
+    static Block *takeBlock(std::size_t wanted);
+    static Pool *makeDefaultPool();
+    void *allocateFromNextBlock(std::size_t size);
+
+    static Block *freeBlocks;
+    static Pool *currentPool;
+
+    Block *block = nullptr;
+    std::size_t used = 0;
+    std::size_t capacity = 0;
+    char *memory = nullptr;
+    std::size_t usedBefore = 0;  ///< bytes handed out from the blocks before the current one
+};
+
+/// An object that lives in the pool that is current when it is made. Deleting one gives nothing
+/// back.
+class PoolObject
+{
+public:
+    static void *operator new(std::size_t size) { return Pool::allocateCurrent(size); }
+    static void operator delete(void *) {}
+};
+
+/// Makes one pool current for as long as this object lives.
+class CurrentPool
+{
+public:
+    explicit CurrentPool(Pool *pool) : previous(Pool::setCurrent(pool)) {}
+    ~CurrentPool() { Pool::setCurrent(previous); }
+    CurrentPool(const CurrentPool &) = delete;
+    CurrentPool &operator=(const CurrentPool &) = delete;
+
+private:
+    Pool *previous;
+};

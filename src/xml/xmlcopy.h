@@ -1,0 +1,40 @@
+#pragma once
+
+#include "xmlnode.h"
+
+#include <vector>
+
+/// Copies \a source and all below it with \a copyOne, which makes the copy of a single node, not
+/// linked to anything, or returns null to leave out the node and all below it. Takes no more of
+/// the stack for a deep tree than for a flat one.
+template <typename CopyOne>
+XMLNode *copySubtree(const XMLNode *source, CopyOne copyOne)
+{
+    struct Level {
+        const XMLNode *next;  ///< what is to be copied next
+        XMLNode *parent;      ///< the parent of the copies
+        XMLNode **end;        ///< where the next copy hangs
+    };
+    XMLNode *top = copyOne(source);
+    if (!top || !source->firstChild)
+        return top;
+    std::vector<Level> levels{{source->firstChild, top, &top->firstChild}};
+    while (!levels.empty()) {
+        Level &level = levels.back();
+        const XMLNode *node = level.next;
+        if (!node) {
+            levels.pop_back();
+            continue;
+        }
+        level.next = node->nextSibling;
+        XMLNode *copy = copyOne(node);
+        if (!copy)
+            continue;
+        copy->parent = level.parent;
+        *level.end = copy;
+        level.end = &copy->nextSibling;
+        if (node->firstChild)
+            levels.push_back({node->firstChild, copy, &copy->firstChild});
+    }
+    return top;
+}

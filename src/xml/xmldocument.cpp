@@ -1,0 +1,119 @@
+#include "xmldocument.h"
+
+#include "inputtext.h"
+#include "openfile.h"
+#include "outputfile.h"
+#include "xmlcopy.h"
+#include "xmlreader.h"
+#include "xmlwriter.h"
+
+#include <cstring>
+
+XMLDocument::XMLDocument(bool keepCommentsAndData) : keepComments(keepCommentsAndData) {}
+
+XMLElement *XMLDocument::createElement(const char *name)
+{
+    return new XMLElement(name);
+}
+
+char *XMLDocument::copyString(const char *text, std::size_t length)
+{
+    char *copy = static_cast<char *>(Pool::allocateCurrent(length + 1));
+    std::memcpy(copy, text, length);
+    copy[length] = '\0';
+    return copy;
+}
+
+XMLNode *XMLDocument::copyNode(const XMLNode *source, XMLNode *newParent)
+{
+    XMLNode *copy = copySubtree(source, [this](const XMLNode *node) { return copyOne(node); });
+    if (copy && newParent)
+        newParent->appendChild(copy);
+    return copy;
+}
+
+XMLNode *XMLDocument::copyOne(const XMLNode *source)
+{
+    switch (source->kind()) {
+    case XMLNode::Kind::Element: {
+        const auto *element = static_cast<const XMLElement *>(source);
+        XMLElement *copy = createElement(element->name());
+        XMLAttributeAppender copied(&copy->attributes());
+        for (const XMLAttribute &attribute : element->attributes())
+            copied.append(attribute.name, attribute.value);
+        return copy;
+    }
+    case XMLNode::Kind::Data:
+        return new XMLData(static_cast<const XMLText *>(source)->data());
+    case XMLNode::Kind::Comment:
+        return new XMLComment(static_cast<const XMLText *>(source)->data());
+    case XMLNode::Kind::CDATASection:
+        return new XMLCDATASection(static_cast<const XMLText *>(source)->data());
+    case XMLNode::Kind::Other:
+        break;
+    }
+    return nullptr;
+}
+
+bool XMLDocument::parse(char *text)
+{
+    const CurrentPool current(this);
+    XMLReader reader(this, text);
+    root = reader.read();
+    if (reader.error() == XMLReader::Error::None)
+        return true;
+    fail(reader.error() == XMLReader::Error::BadName ? "bad tagName" : "tagName mismatch", "");
+    errorLine = reader.errorLine();
+    return false;
+}
+
+bool XMLDocument::read(FILE *stream)
+{
+    const InputText input(stream);
+    if (input.text())
+        return parse(input.text());
+    errorLine = 0;
+    return fail("couldn't read", "");
+}
+
+bool XMLDocument::load(const char *fileName)
+{
+    const InputStream stream(openFile(QString::fromLatin1(fileName), "rb"));
+    errorLine = stream.get() ? errorLine : 0;
+    if (!stream.get())
+        return fail("couldn't read ", fileName);
+    const bool ok = read(stream.get());
+    return ok || !std::ferror(stream.get()) ? ok : fail("couldn't read ", fileName);
+}
+
+bool XMLDocument::write(FILE *stream, int spacesPerLevel)
+{
+    indent = spacesPerLevel;
+    XMLWriter(stream, indent).writeDocument(*this);
+    return true;
+}
+
+bool XMLDocument::save(const char *fileName, int spacesPerLevel)
+{
+    OutputFile file(fileName);
+    if (!file.stream())
+        return fail("couldn't write ", fileName);
+    const bool written = write(file.stream(), spacesPerLevel);
+    return file.commit() ? written : fail("couldn't write ", fileName);
+}
+
+void XMLDocument::writeNode(FILE *stream, const XMLNode *node, int depth) const
+{
+    XMLWriter(stream, indent).writeNode(node, depth);
+}
+
+void XMLDocument::writeEscaped(FILE *stream, const char *text)
+{
+    XMLWriter(stream, 0).writeEscaped(text);
+}
+
+bool XMLDocument::fail(const char *message, const char *fileName)
+{
+    std::snprintf(errorMessage, sizeof errorMessage, "%s%s", message, fileName);
+    return false;
+}

@@ -1,0 +1,462 @@
+#include "xmlreader.h"
+
+#include "characterclass.h"
+#include "xmldocument.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+namespace
+{
+
+/// Attributes of one tag up to which a new name is compared with each of them.
+constexpr std::size_t mostComparedNames = 16;
+
+/// What \a c counts in a numeric reference of any base; -1 for what is no digit at all.
+int digitValue(char c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'a' && c <= 'z')
+        return c - 'a' + 10;
+    if (c >= 'A' && c <= 'Z')
+        return c - 'A' + 10;
+    return -1;
+}
+
+/// Decodes the numeric reference whose "&#" stands before \a text to its value modulo 256.
+/// Returns the bytes of \a text that it takes, 0 when it is none.
+std::size_t decodeNumber(std::string_view text, char *decoded)
+{
+    const bool isHex = text.starts_with('x');
+    std::uint32_t value = 0;
+    for (std::size_t i = isHex ? 1 : 0; i < text.size(); ++i) {
+        if (text[i] == ';') {
+            *decoded = static_cast<char>(value & 0xFF);
+            return i + 1;
+        }
+        const int digit = digitValue(text[i]);
+        if (digit < 0)
+            return 0;
+        value = value * (isHex ? 16 : 10) + static_cast<std::uint32_t>(digit);
+    }
+    return 0;
+}
+
+/// The same for any reference, whose '&' stands before \a text.
+std::size_t decodeReference(std::string_view text, char *decoded)
+{
+    static constexpr struct {
+        std::string_view name;
+        char character;
+    } entities[] = {{"lt;", '<'}, {"gt;", '>'}, {"quot;", '"'}, {"amp;", '&'}};
+    for (const auto &entity : entities) {
+        if (text.starts_with(entity.name)) {
+            *decoded = entity.character;
+            return entity.name.size();
+        }
+    }
+    if (!text.starts_with('#'))
+        return 0;
+    const std::size_t taken = decodeNumber(text.substr(1), decoded);
+    return taken > 0 ? taken + 1 : 0;
+}
+
+/// Where \a byte is next, at \a from or behind; the end of the text when it is nowhere.
+const char *findByte(char byte, const char *from)
+{
+    const char *found = std::strchr(from, byte);
+    return found ? found : from + std::strlen(from);
+}
+
+bool beginsWith(const char *text, std::string_view beginning)
+{
+    for (const char c : beginning) {
+        if (*text++ != c)
+            return false;
+    }
+    return true;
+}
+
+/// Decodes the references of the text from \a from up to \a end to \a to, which can be where
+/// the text is itself, and ends it with a NUL. With \a dropReturns the carriage returns that are
+/// written as such are left out.
+void decode(const char *from, const char *end, char *to, bool dropReturns)
+{
+    while (from != end) {
+        const char c = *from++;
+        if (dropReturns && c == '\r')
+            continue;
+        *to = c;
+        if (c == '&')
+            from += decodeReference({from, static_cast<std::size_t>(end - from)}, to);
+        ++to;
+    }
+    *to = '\0';
+}
+
+}  // namespace
+
+NextByte::NextByte(char wantedByte, const char *text) : byte(wantedByte), next(findByte(byte, text))
+{
+}
+
+void NextByte::find(const char *from)
+{
+    next = findByte(byte, from);
+}
+
+XMLReader::XMLReader(XMLDocument *target, const char *text)
+    : document(target),
+      position(text),
+      ampersands('&', text),
+      // A newline that is the very first byte is never counted.
+      nextNewline(*text == '\0' ? text : findByte('\n', text + 1)),
+      keepComments(target->keepComments)
+{
+}
+
+XMLNode *XMLReader::read()
+{
+    skipSpace();
+    while (*position == '<') {
+        markupLine = lineAt(position);
+        ++position;
+        if (!readMarkup())
+            break;
+        readCharacterData();
+    }
+    return result;
+}
+
+/// One construct, from behind its '<'. False ends the read.
+bool XMLReader::readMarkup()
+{
+    switch (*position) {
+    case '?':
+        return readInstruction();
+    case '!':
+        readExclamation();
+        return true;
+    case '/':
+        return readEndTag();
+    default:
+        return readStartTag();
+    }
+}
+
+/// An instruction named by a beginning of "xml", the empty one included, is the declaration; of
+/// any other the rest is character data.
+bool XMLReader::readInstruction()
+{
+    ++position;
+    const Span name = readName();
+    skipSpace();
+    return !std::string_view("xml").starts_with(name.view()) || readDeclaration();
+}
+
+bool XMLReader::readDeclaration()
+{
+    for (;;) {
+        const Span name = readName();
+        skipSpace();
+        if (*position == '?') {
+            ++position;
+            if (*position == '>')
+                ++position;
+            return true;
+        }
+        if (*position == '=') {
+            if (!readDeclarationValue(name))
+                return false;
+        } else if (*position == '\0' || name.length() == 0) {
+            // Without a name nothing was read: the character fits nothing and ends the
+            // declaration, as the end of the text does.
+            return true;
+        }
+    }
+}
+
+bool XMLReader::readDeclarationValue(const Span &name)
+{
+    ++position;
+    skipSpace();
+    if (*position != '"') {
+        result = nullptr;
+        return false;
+    }
+    const Span value = readQuoted();
+    if (name.view() == "version")
+        document->version = XMLDocument::copyString(value.start, value.length());
+    else if (name.view() == "encoding")
+        document->encoding = XMLDocument::copyString(value.start, value.length());
+    return true;
+}
+
+void XMLReader::readExclamation()
+{
+    ++position;
+    if (*position == '-') {
+        readComment();
+        return;
+    }
+    const Span name = readName();
+    skipSpace();
+    // No name holds a '[', so only the empty one is a beginning of "[CDATA[".
+    if (name.length() == 0)
+        readCData();
+    else if (std::string_view("DOCTYPE").starts_with(name.view()))
+        readDoctype();
+}
+
+void XMLReader::readComment()
+{
+    ++position;
+    if (*position != '-')
+        return;
+    ++position;
+    Span text{};
+    if (findEnd("-->", &text) && keepComments && !open.empty())
+        append(new XMLComment(XMLDocument::copyString(text.start, text.length())), markupLine);
+}
+
+void XMLReader::readCData()
+{
+    skipByte();
+    readName();
+    skipSpace();
+    skipByte();
+    Span text{};
+    if (findEnd("]]>", &text) && !open.empty())
+        append(new XMLCDATASection(XMLDocument::copyString(text.start, text.length())), markupLine);
+}
+
+void XMLReader::readDoctype()
+{
+    const Span name = readName();
+    skipSpace();
+    if (*position == '>') {
+        document->doctype = XMLDocument::copyString(name.start, name.length());
+        ++position;
+    }
+}
+
+/// Finds the text from here to \a terminator (two equal bytes and a '>') and stands behind that;
+/// false at the end of the text. The search does not look back: where a byte fails the test it
+/// goes on at that byte, so a third equal byte hides the terminator behind it.
+bool XMLReader::findEnd(const char *terminator, Span *text)
+{
+    text->start = position;
+    for (;;) {
+        position = findByte(terminator[0], position);
+        text->end = position;
+        if (*position == '\0')
+            return false;
+        if (*++position != terminator[1])
+            continue;
+        if (*++position != terminator[2])
+            continue;
+        ++position;
+        return true;
+    }
+}
+
+bool XMLReader::readStartTag()
+{
+    const Span name = readName();
+    skipSpace();
+    attributes.clear();
+    for (;;) {
+        switch (*position) {
+        case '\0':
+            openElement(name);
+            return true;
+        case '>':
+            openElement(name);
+            ++position;
+            return true;
+        case '/':
+            openElement(name);
+            return readEndTag();
+        default:
+            if (!readAttribute())
+                return false;
+        }
+    }
+}
+
+bool XMLReader::readAttribute()
+{
+    if (!CharacterClass::is(CharacterClass::NameStart, *position))
+        return fail(Error::BadName);
+    const Span name = readName();
+    skipSpace();
+    if (*position != '=')
+        return true;
+    ++position;
+    skipSpace();
+    if (*position == '"')
+        setAttribute(name, readQuoted());
+    return true;
+}
+
+/// A name that the tag has already gets its value replaced in its place.
+void XMLReader::setAttribute(const Span &name, const Span &value)
+{
+    if (Attribute *earlier = findAttribute(name.view())) {
+        earlier->value = value;
+        return;
+    }
+    attributes.push_back({name, value});
+    if (attributes.size() <= mostComparedNames)
+        return;
+    for (std::size_t i = attributeIndex.size(); i < attributes.size(); ++i)
+        attributeIndex.emplace(attributes[i].name.view(), i);
+}
+
+XMLReader::Attribute *XMLReader::findAttribute(std::string_view name)
+{
+    if (attributes.size() > mostComparedNames) {
+        const auto found = attributeIndex.find(name);
+        return found == attributeIndex.end() ? nullptr : &attributes[found->second];
+    }
+    for (Attribute &attribute : attributes) {
+        if (attribute.name.length() == name.size() && beginsWith(attribute.name.start, name))
+            return &attribute;
+    }
+    return nullptr;
+}
+
+/// Makes the element of the tag that was read. One copy of the tag's text, from its name to its
+/// last value, holds all strings of the element: they only have to be ended in it.
+void XMLReader::openElement(const Span &name)
+{
+    const char *last = name.end;
+    for (const Attribute &attribute : attributes)
+        last = std::max(last, attribute.value.end);
+    char *const copy = XMLDocument::copyString(name.start, Span{name.start, last}.length());
+    const auto copyOf = [&](const char *where) { return copy + (where - name.start); };
+
+    *copyOf(name.end) = '\0';
+    XMLElement *element = document->createElement(copy);
+    element->line = markupLine;
+    XMLAttributeAppender appender(&element->attributes());
+    for (const auto &[attributeName, value] : attributes) {
+        *copyOf(attributeName.end) = '\0';
+        if (ampersands.isIn(value.start, value.end))
+            decode(copyOf(value.start), copyOf(value.end), copyOf(value.start), false);
+        else
+            *copyOf(value.end) = '\0';
+        appender.append(copyOf(attributeName.start), copyOf(value.start));
+    }
+    if (!attributeIndex.empty())
+        attributeIndex = {};
+    open.push_back({element, &element->firstChild});
+}
+
+/// An end tag, or the end of an empty-element tag, from its '/'.
+bool XMLReader::readEndTag()
+{
+    ++position;
+    if (*position != '>') {
+        const Span name = readName();
+        skipSpace();
+        // A beginning of the open element's name will do, the empty one included.
+        if (!open.empty() && !beginsWith(open.back().element->name(), name.view()))
+            return fail(Error::Mismatch);
+    }
+    if (*position == '>') {
+        closeElement();
+        ++position;
+    }
+    return true;
+}
+
+void XMLReader::closeElement()
+{
+    if (open.empty())
+        return;
+    XMLElement *element = open.back().element;
+    open.pop_back();
+    if (open.empty())
+        result = element;
+    else
+        append(element, element->line);
+}
+
+void XMLReader::readCharacterData()
+{
+    const char *const start = position;
+    position = findByte('<', start);
+    if (!keepComments || open.empty())
+        return;
+    char *const text = XMLDocument::copyString(start, Span{start, position}.length());
+    decode(start, position, text, true);
+    append(new XMLData(text), lineAt(start));
+}
+
+/// Appends \a node to the innermost open element, in time that does not depend on how many
+/// children that has.
+void XMLReader::append(XMLNode *node, int firstLine)
+{
+    OpenElement &parent = open.back();
+    node->line = firstLine;
+    node->parent = parent.element;
+    *parent.end = node;
+    parent.end = &node->nextSibling;
+}
+
+void XMLReader::skipSpace()
+{
+    const char *p = position;
+    while (CharacterClass::is(CharacterClass::Space, *p))
+        ++p;
+    position = p;
+}
+
+/// Steps over one byte, whatever it is, but never past the end of the text.
+void XMLReader::skipByte()
+{
+    if (*position != '\0')
+        ++position;
+}
+
+XMLReader::Span XMLReader::readName()
+{
+    const char *const start = position;
+    const char *p = start;
+    while (CharacterClass::is(CharacterClass::Name, *p))
+        ++p;
+    position = p;
+    return {start, p};
+}
+
+/// The text between the quote here and the next one, or the end; stands behind the white space
+/// that follows it.
+XMLReader::Span XMLReader::readQuoted()
+{
+    const char *const start = position + 1;
+    const char *const end = findByte('"', start);
+    position = end;
+    skipByte();
+    skipSpace();
+    return {start, end};
+}
+
+bool XMLReader::fail(Error what)
+{
+    failure = what;
+    failureLine = lineAt(position);
+    return false;
+}
+
+/// The newlines up to and including \a where, which never lies before what was asked for last.
+int XMLReader::lineAt(const char *where)
+{
+    while (nextNewline <= where && *nextNewline != '\0') {
+        line = static_cast<int>(static_cast<unsigned>(line) + 1);
+        nextNewline = findByte('\n', nextNewline + 1);
+    }
+    return line;
+}

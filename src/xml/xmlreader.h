@@ -1,0 +1,117 @@
+#pragma once
+
+#include "xmlnode.h"
+
+#include <cstddef>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+class XMLDocument;
+
+/// Where a byte occurs in NUL-terminated text that is read from its start to its end: every
+/// occurrence is searched for once, however often and for however short a span is asked.
+class NextByte
+{
+public:
+    NextByte(char wantedByte, const char *text);
+
+    /// Whether the byte is in \a from up to \a to. \a from never decreases.
+    bool isIn(const char *from, const char *to)
+    {
+        if (next < from)
+            find(from);
+        return next < to;
+    }
+
+private:
+    void find(const char *from);
+
+    char byte;
+    const char *next;  ///< its first occurrence that was not passed yet, or the end of the text
+};
+
+/// One read: a single pass over NUL-terminated text, from its first byte to the NUL or to the
+/// first error, without looking back. The nodes and copies of all strings go to the document's
+/// pool, which must be the current one. What XML 1.0 has and this reader has not is passed over
+/// as character data; it never fails but for the two errors below.
+class XMLReader
+{
+public:
+    enum class Error {
+        None,
+        BadName,   ///< an attribute's name begins with no letter, '_', '-' or ':'
+        Mismatch,  ///< an end tag's name is no beginning of the open element's name
+    };
+
+    XMLReader(XMLDocument *target, const char *text);
+
+    /// The last top-level element that was closed. Null when there is none.
+    XMLNode *read();
+
+    Error error() const { return failure; }
+    int errorLine() const { return failureLine; }
+
+private:
+    /// A piece of the text.
+    struct Span {
+        const char *start;
+        const char *end;
+
+        std::size_t length() const { return static_cast<std::size_t>(end - start); }
+        std::string_view view() const { return {start, length()}; }
+    };
+    struct Attribute {
+        Span name;
+        Span value;
+    };
+    struct OpenElement {
+        XMLElement *element;
+        XMLNode **end;  ///< where the next child hangs
+    };
+
+    bool readMarkup();
+    bool readInstruction();
+    bool readDeclaration();
+    bool readDeclarationValue(const Span &name);
+    void readExclamation();
+    void readComment();
+    void readCData();
+    void readDoctype();
+    bool readStartTag();
+    bool readAttribute();
+    bool readEndTag();
+    void readCharacterData();
+
+    void skipSpace();
+    void skipByte();
+    Span readName();
+    Span readQuoted();
+    bool findEnd(const char *terminator, Span *text);
+
+    Attribute *findAttribute(std::string_view name);
+    void setAttribute(const Span &name, const Span &value);
+    void openElement(const Span &name);
+    void closeElement();
+    void append(XMLNode *node, int line);
+    bool fail(Error what);
+    int lineAt(const char *where);
+
+    XMLDocument *document;
+    const char *position;
+    NextByte ampersands;
+    const char *nextNewline;  ///< the first newline that is not counted in line yet, or the end
+    int line = 0;
+    int markupLine = 0;
+    Error failure = Error::None;
+    int failureLine = 0;
+    bool keepComments;
+
+    std::vector<OpenElement> open;
+    XMLNode *result = nullptr;
+
+    /// The attributes of the tag that is being read. Once there are many, names are looked up
+    /// through the index, so that a long list costs what its text costs.
+    std::vector<Attribute> attributes;
+    std::unordered_map<std::string_view, std::size_t> attributeIndex;
+};

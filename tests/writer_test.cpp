@@ -1,0 +1,96 @@
+#include "treetext.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace
+{
+
+template <typename Write>
+std::string written(Write write)
+{
+    char *bytes = nullptr;
+    std::size_t size = 0;
+    FILE *stream = open_memstream(&bytes, &size);
+    write(stream);
+    std::fclose(stream);
+    std::string text(bytes, size);
+    std::free(bytes);
+    return text;
+}
+
+std::string rewritten(std::string text, int indent, bool keepComments = false)
+{
+    XMLDocument document(keepComments);
+    EXPECT_TRUE(document.parse(text.data()));
+    return written([&](FILE *stream) {
+        EXPECT_TRUE(document.write(stream, indent));
+        EXPECT_EQ(document.indent, indent);
+    });
+}
+
+TEST(Writer, IndentsElements)
+{
+    const char *text = "<a><b x=\"1\"><c/></b><d/></a>";
+    EXPECT_EQ(rewritten(text, 2), "<a>\n  <b x=\"1\">\n    <c/>\n  </b>\n  <d/>\n</a>\n");
+    EXPECT_EQ(rewritten(text, 0), text);
+    EXPECT_EQ(rewritten("<a><b/></a>", -1), "<a>\n<b/>\n</a>\n");
+}
+
+TEST(Writer, DoesNotEndTheLineOfText)
+{
+    EXPECT_EQ(rewritten("<a><![CDATA[<&]]><b/><![CDATA[]]></a>", 2),
+              "<a>\n  <![CDATA[<&]]>  <b/>\n  <![CDATA[]]></a>\n");
+    EXPECT_EQ(rewritten("<a><!--<&--></a>", 1, true), "<a>\n  <!--<&--> </a>\n");
+    EXPECT_EQ(rewritten("<a></a>", 2, true), "<a>\n  </a>\n");
+}
+
+TEST(Writer, WritesDeclarationAndDoctype)
+{
+    EXPECT_EQ(rewritten("<?xml version=\"1.0\" encoding=\"&\"?><!DOCTYPE d><a/>", 2),
+              "<?xml  version=\"1.0\" encoding=\"&\" ?>\n<!DOCTYPE d>\n<a/>\n");
+    EXPECT_EQ(rewritten("<?xml encoding=\"e\"?><!DOCTYPE>", 2),
+              "<?xml  encoding=\"e\" ?>\n<!DOCTYPE >\n");
+    EXPECT_EQ(rewritten("", 2), "");
+}
+
+TEST(Writer, EscapesAllButPrintableAscii)
+{
+    const auto escaped = [](const char *text) {
+        return written([&](FILE *stream) { XMLDocument::writeEscaped(stream, text); });
+    };
+    EXPECT_EQ(escaped("a<b & \"c\">'"), "a&lt;b &amp; &quot;c&quot;&gt;'");
+    EXPECT_EQ(escaped("\x01\t\n\r ~\x7F\x80\xE9\xFF"),
+              "&#x1;&#x9;&#xa;&#xd; ~&#x7f;&#x80;&#xe9;&#xff;");
+    EXPECT_EQ(escaped(nullptr), "");
+}
+
+TEST(Writer, HandsOverWhatIsLongerThanItsBuffer)
+{
+    const std::string value(200'000, '&');
+    std::string escaped;
+    for (std::size_t i = 0; i < value.size(); ++i)
+        escaped += "&amp;";
+    const std::string name(70'000, 'n');
+    XMLDocument document(false);
+    const CurrentPool current(&document);
+    XMLElement element(name.c_str());
+    element.setAttribute("a", value.c_str());
+    element.setAttribute("b", nullptr);
+    const std::string spaces(140'000, ' ');
+    document.indent = 70'000;
+    EXPECT_EQ(written([&](FILE *stream) { document.writeNode(stream, &element, 2); }),
+              spaces + "<" + name + " a=\"" + escaped + "\" b=\"\"/>\n");
+    EXPECT_EQ(written([&](FILE *stream) { document.writeNode(stream, nullptr, 2); }), spaces);
+}
+
+TEST(Writer, WritesNothingForANodeOfItsOwnKind)
+{
+    XMLDocument document(false);
+    XMLNode node;
+    document.indent = 3;
+    EXPECT_EQ(written([&](FILE *stream) { document.writeNode(stream, &node, 1); }), "   ");
+}
+
+}  // namespace
