@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QByteArray>
+
+#include <bitset>
+#include <vector>
+
+/// The form of one kind of token: a chain of character sets, matched from left to right. The
+/// notation is the part of regular expressions that the tokens need:
+///
+///     c        the character itself, unless it is one of . ? * + | ( ) [ ] { } ^ $ and the backslash
+///     \c       the character c; \d is any digit 0 to 9, \s any white space
+///     [...]    one of a set: characters, ranges as in a-z, \d, \s and \c; [^...] all others
+///     +  *     behind one of these: one or more of it, none or more of it
+///
+/// White space is 9 to 13, 32 and 0xA0; text is Latin-1. A repeated set takes all that it can and
+/// gives nothing back, so what follows it must begin outside the set. Anything else makes the
+/// pattern invalid, and an invalid pattern matches nowhere.
+class TokenPattern
+{
+public:
+    using CharacterSet = std::bitset<256>;
+
+    explicit TokenPattern(QByteArrayView pattern);
+
+    /// The pattern as it was given.
+    const QByteArray &text() const { return source; }
+    bool isValid() const { return valid; }
+    /// The characters with which a match can begin; none for an invalid pattern.
+    CharacterSet firstCharacters() const;
+    /// Characters of [first, last) that the pattern takes, beginning at first. 0: no match.
+    qsizetype match(const char *first, const char *last) const;
+
+private:
+    struct Step {
+        CharacterSet set;
+        bool optional = false;  ///< may take no character
+        bool repeated = false;  ///< may take more than one
+    };
+
+    bool compile(QByteArrayView pattern);
+
+    QByteArray source;
+    std::vector<Step> steps;
+    bool valid;
+};
