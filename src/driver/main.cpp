@@ -1,0 +1,92 @@
+#include "executablepath.h"
+#include "installationdirectory.h"
+#include "macrovalues.h"
+#include "myxmlpp2.h"
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <fcntl.h>
+#include <new>
+#include <unistd.h>
+
+namespace
+{
+
+[[noreturn]] void endWithoutMemory()
+{
+    std::fputs("out of memory\n", stderr);
+    std::_Exit(EXIT_FAILURE);
+}
+
+/// Memory can also run out where no exception may pass, deep inside a library.
+[[noreturn]] void onTerminate()
+{
+    try {
+        if (const std::exception_ptr current = std::current_exception())
+            std::rethrow_exception(current);
+    } catch (const std::bad_alloc &) {
+        endWithoutMemory();
+    } catch (...) {
+    }
+    std::abort();
+}
+
+/// Gives the process what the run takes for granted.
+void prepareProcess()
+{
+    std::set_terminate(onTerminate);
+    // A full quota or a reader that has gone is a failed write, not the end of the process.
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
+    // A standard stream that is closed would lend its number to the next file that is opened,
+    // and an error message would go into that file.
+    for (int descriptor = open("/dev/null", O_RDWR); descriptor >= 0;
+         descriptor = open("/dev/null", O_RDWR)) {
+        if (descriptor > STDERR_FILENO) {
+            close(descriptor);
+            break;
+        }
+    }
+}
+
+int run(int argc, char **argv)
+{
+    const char *programName = argc > 0 ? argv[0] : "xmlpp";
+    initInstallationDirectory(executablePath(programName).toLatin1().constData(), 1);
+    if (argc < 3) {
+        std::fprintf(stderr, "%s: <infile> <outfile> [macro1=value;macro2=value;..]\n",
+                     programName);
+        return EXIT_FAILURE;
+    }
+    globalMacros.setSystemMacro(QStringLiteral("StudioDir"), installationDirectory());
+
+    // Never destroyed: the system takes the memory back at once, where the pool would first fill
+    // all of it to show stale pointers.
+    static MyXMLPP2 &document = *new MyXMLPP2(false);
+    if (!document.preprocessFile(QString::fromLatin1(argv[1]), QString::fromLatin1(argv[3]),
+                                 true)) {
+        std::fprintf(stderr, "load error %s at %d\n", document.errorMessage, document.errorLine);
+        return EXIT_FAILURE;
+    }
+    if (argc == 5)
+        document.doctype = argv[4];
+    if (!document.save(QString::fromLatin1(argv[2]), 2)) {
+        std::fprintf(stderr, "save error %s\n", document.errorMessage);
+        return EXIT_FAILURE;
+    }
+    return EXIT_SUCCESS;
+}
+
+}  // namespace
+
+int main(int argc, char **argv)
+{
+    prepareProcess();
+    try {
+        return run(argc, argv);
+    } catch (const std::bad_alloc &) {
+        endWithoutMemory();
+    }
+}

@@ -1,0 +1,70 @@
+#include "alternatives.h"
+#include "simpleexpressionparser.h"
+#include "walk.h"
+
+#include <cstring>
+
+Outcome Walk::handleIf(XMLElement &element, Level &level)
+{
+    return unwrapByAttribute(element, level, true);
+}
+
+Outcome Walk::handleIfnot(XMLElement &element, Level &level)
+{
+    return unwrapByAttribute(element, level, false);
+}
+
+/// The one attribute names a macro and lists alternatives; \a wanted tells whether one of them
+/// must be the macro's value.
+Outcome Walk::unwrapByAttribute(XMLElement &element, Level &level, bool wanted)
+{
+    const XMLAttribute *condition = element.attributes().first;
+    if (!condition || condition->next) {
+        report(QStringLiteral("one condition required for <if[not]>"));
+        return Outcome::ordinary();
+    }
+    const bool matches = hasAlternative(condition->value, lookUp(level, condition->name));
+    return Outcome::unwrapIf(matches == wanted, element);
+}
+
+Outcome Walk::handleIfex(XMLElement &element, Level &level)
+{
+    const char *expression = element.attribute("expression");
+    if (!expression || *expression == '\0')
+        return Outcome::ordinary();
+    SimpleExpressionParser parser;
+    bool ok = false;
+    const bool value = parser.evaluateBool(expanded(level, expression).c_str(), &ok);
+    return Outcome::unwrapIf(ok && value, element);
+}
+
+Outcome Walk::handleIfdef(XMLElement &element, Level &level)
+{
+    return Outcome::unwrapIf(findMacro(level.macros, element.attribute("name")), element);
+}
+
+Outcome Walk::handleIfndef(XMLElement &element, Level &level)
+{
+    return Outcome::unwrapIf(!findMacro(level.macros, element.attribute("name")), element);
+}
+
+/// The first <case> with a matching alternative is selected, else the last <default>. That is
+/// settled before the children are walked, so alternatives count as they are written.
+Outcome Walk::handleSwitch(XMLElement &element, Level &level)
+{
+    const QString value = lookUp(level, element.attribute("name"));
+    XMLNode *selected = nullptr;
+    for (XMLNode *child = element.firstChild; child; child = child->nextSibling) {
+        if (child->kind() != XMLNode::Kind::Element)
+            continue;
+        const auto &branch = static_cast<const XMLElement &>(*child);
+        if (std::strcmp(branch.name(), "default") == 0) {
+            selected = child;
+        } else if (std::strcmp(branch.name(), "case") == 0 &&
+                   hasAlternative(branch.attribute("value"), value)) {
+            selected = child;
+            break;
+        }
+    }
+    return selected ? Outcome{.replacement = selected} : Outcome::remove();
+}

@@ -1,0 +1,79 @@
+#include "filename.h"
+#include "macrovalues.h"
+#include "walk.h"
+
+#include <cstring>
+
+namespace
+{
+
+/// Sets on \a target the attributes of \a source that \a list names, separated by ';', in that
+/// order. One that the source does not have is set without a value.
+void inheritAttributes(const XMLElement &source, const char *list, XMLElement *target)
+{
+    for (;;) {
+        const std::size_t length = std::strcspn(list, ";");
+        if (length > 0) {
+            const char *name = XMLDocument::copyString(list, length);
+            target->setAttribute(name, source.attribute(name));
+        }
+        if (list[length] == '\0')
+            return;
+        list += length + 1;
+    }
+}
+
+}  // namespace
+
+Outcome Walk::handleInclude(XMLElement &element, Level &level)
+{
+    if (!element.hasAttribute("filename")) {
+        report(QStringLiteral("missing filename in <include>"));
+        return Outcome::ordinary();
+    }
+    const QString written = QString::fromLatin1(element.attribute("filename"));
+    const QString path =
+        resolveFileName(globalMacros.expandMacros({}, written, true), level.fileName);
+    if (level.includes >= limits.nestedIncludes) {
+        reportAndStop(
+            QStringLiteral("more than %1 nested includes at ").arg(limits.nestedIncludes) + path);
+        return Outcome::ordinary();
+    }
+    XMLElement *included = loadInclude(path);
+    if (!included)
+        return Outcome::ordinary();
+
+    auto scope = contentScope(element, level, path);
+    ++scope->includes;
+    if (scope->expand)
+        document.expandAttributes(included, scope->macros);
+    if (const char *inherited = element.attribute("inherit_attributes"))
+        inheritAttributes(element, inherited, included);
+
+    const bool isWrapper =
+        element.hasAttribute("no_root") || std::strcmp(included->name(), "envelope") == 0;
+    // In the document's own root's place there is room for one element only.
+    if (isWrapper && &element != firstRoot)
+        return {.replacement = included, .scope = std::move(scope)};
+    return {.standIn = included, .scope = std::move(scope)};
+}
+
+/// The root element of the file, which belongs to this document but is not linked to it. Null
+/// after an error was reported.
+XMLElement *Walk::loadInclude(const QString &path)
+{
+    XMLNode *const root = document.root;
+    const bool ok = document.load(path);
+    XMLNode *const included = document.root;
+    document.root = root;
+    if (ok && included)
+        return static_cast<XMLElement *>(included);
+    if (included) {
+        const QString message = QString::fromLatin1(document.errorMessage);
+        report(QStringLiteral("error \"") + message + QStringLiteral("\" in include file ") + path +
+               QStringLiteral(" line:") + QString::number(document.errorLine));
+    } else {
+        report(QStringLiteral("error: include file '") + path + QStringLiteral("' is empty"));
+    }
+    return nullptr;
+}

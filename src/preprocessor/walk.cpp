@@ -1,0 +1,178 @@
+#include "walk.h"
+
+#include "macrovalues.h"
+
+#include <cstring>
+
+const Walk::Directive Walk::directives[] = {
+    {"if", &Walk::handleIf},           {"ifnot", &Walk::handleIfnot},
+    {"ifex", &Walk::handleIfex},       {"ifdef", &Walk::handleIfdef},
+    {"ifndef", &Walk::handleIfndef},   {"switch", &Walk::handleSwitch},
+    {"include", &Walk::handleInclude}, {"define", &Walk::handleDefine},
+    {"for", &Walk::handleFor},         {"xmldef", &Walk::handleXmldef},
+    {"xmlput", &Walk::handleXmlput},   {"foreach", &Walk::handleForeach},
+};
+
+const Walk::Directive *Walk::findDirective(const char *tag)
+{
+    for (const Directive &directive : directives) {
+        if (directive.tag[0] == tag[0] && std::strcmp(directive.tag, tag) == 0)
+            return &directive;
+    }
+    return nullptr;
+}
+
+Walk::Walk(XMLPP2 *target)
+    : document(*target),
+      limits(target->limits),
+      firstRoot(target->root),
+      bytesAtStart(target->bytesUsed())
+{
+}
+
+void Walk::run(XMLNode *node, Level level)
+{
+    if (node == document.root) {
+        walkChain(&document.root, level);
+        checkRoot();
+        return;
+    }
+    // Only here a link has to be searched for; the walk itself always knows it.
+    XMLNode **link = node->parent ? &node->parent->firstChild : &node;
+    while (*link != node)
+        link = &(*link)->nextSibling;
+    walkChain(link, level);
+}
+
+void Walk::walkChain(XMLNode **link, Level &level)
+{
+    while (*link && !stopped) {
+        if ((*link)->kind() != XMLNode::Kind::Element) {
+            link = &(*link)->nextSibling;
+            continue;
+        }
+        auto &element = static_cast<XMLElement &>(**link);
+        if (level.expand)
+            document.expandAttributes(&element, level.macros);
+        const Directive *directive = findDirective(element.name());
+        const Outcome outcome =
+            directive ? (this->*directive->handler)(element, level) : Outcome::ordinary();
+        if (hasGrownTooFar())
+            return;
+        link = apply(link, element, outcome, level);
+    }
+}
+
+/// Carries out what was decided about the element at \a link. Returns the link of the node that
+/// is next.
+XMLNode **Walk::apply(XMLNode **link, XMLElement &element, const Outcome &outcome, Level &level)
+{
+    if (outcome.standIn) {
+        outcome.standIn->nextSibling = element.nextSibling;
+        outcome.standIn->parent = element.parent;
+        *link = outcome.standIn;
+    }
+    if (outcome.keep)
+        walkContent(element, outcome, level);
+    if (outcome.standIn || (outcome.keep && !outcome.replacement))
+        return &(*link)->nextSibling;
+
+    // The element goes; what it leaves in its place is behind the walk, what follows is not.
+    *link = element.nextSibling;
+    if (outcome.following.first) {
+        adoptChain(element.parent, outcome.following.first, *link);
+        *link = outcome.following.first;
+    }
+    XMLNode *remains = outcome.replacement ? outcome.replacement->firstChild : nullptr;
+    if (!remains)
+        return link;
+    XMLNode *last = adoptChain(element.parent, remains, *link);
+    *link = remains;
+    return &last->nextSibling;
+}
+
+void Walk::walkContent(XMLElement &element, const Outcome &outcome, Level &level)
+{
+    if (outcome.scope) {
+        Scope &scope = *outcome.scope;
+        Level inner{scope.fileName, scope.macros, scope.expand, scope.includes};
+        walkChildren(outcome.standIn ? outcome.standIn : outcome.replacement, inner);
+    } else if (outcome.processChildren && element.firstChild) {
+        MacroMap macros = level.macros;
+        Level inner{level.fileName, macros, level.expand, level.includes};
+        walkChildren(&element, inner);
+    }
+}
+
+void Walk::walkChildren(XMLNode *parent, Level &level)
+{
+    if (!parent->firstChild)
+        return;
+    if (depth >= limits.nestedLevels) {
+        reportAndStop(QStringLiteral("nested more than %1 levels deep").arg(limits.nestedLevels));
+        return;
+    }
+    ++depth;
+    walkChain(&parent->firstChild, level);
+    --depth;
+}
+
+/// What a directive leaves in the root's place must be a document again.
+void Walk::checkRoot()
+{
+    const XMLNode *root = document.root;
+    if (root && !stopped && (root->nextSibling || root->kind() != XMLNode::Kind::Element))
+        report(QStringLiteral("the document needs exactly one root element"));
+}
+
+QString Walk::lookUp(Level &level, const char *name)
+{
+    if (const QString *value = findMacro(level.macros, name))
+        return *value;
+    return *level.macros.insert(QString::fromLatin1(name), QStringLiteral(""));
+}
+
+/// \a text with the level's macros in it, for an expression that is about to be evaluated.
+std::string Walk::expanded(const Level &level, const char *text)
+{
+    std::string result;
+    globalMacros.expandLatin1(level.macros, text ? text : "", false, &result);
+    return result;
+}
+
+/// The level for what \a directive brings in, with the macros that it adds to the current ones.
+std::unique_ptr<Scope> Walk::contentScope(const XMLElement &directive, const Level &level,
+                                          const QString &fileName)
+{
+    auto scope =
+        std::make_unique<Scope>(Scope{fileName, level.macros, level.expand, level.includes});
+    const bool takesMacros = level.expand || directive.hasAttribute("expand_macros");
+    if (!takesMacros || !directive.hasAttribute("macros"))
+        return scope;
+    QString list = QString::fromLatin1(directive.attribute("macros"));
+    list.remove(u'\n');
+    const QStringList items = MacroValues::splitMacroList(list, false);
+    scope->macros = MacroValues::mergeMacros(level.macros, MacroValues::parseMacroList(items));
+    scope->expand = true;
+    return scope;
+}
+
+void Walk::report(const QString &message)
+{
+    document.reportError(QStringLiteral("XmlPP::processConditionals(): ") + message);
+}
+
+void Walk::reportAndStop(const QString &message)
+{
+    stopped = true;
+    report(message);
+}
+
+bool Walk::hasGrownTooFar()
+{
+    if (stopped || document.bytesUsed() - bytesAtStart <= limits.growth)
+        return stopped;
+    reportAndStop(
+        QStringLiteral("directives bring more than %1 bytes into the document").arg(limits.growth));
+    return true;
+}
