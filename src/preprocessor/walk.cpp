@@ -2,6 +2,7 @@
 
 #include "macrovalues.h"
 
+#include <cstdint>
 #include <cstring>
 
 const Walk::Directive Walk::directives[] = {
@@ -13,10 +14,27 @@ const Walk::Directive Walk::directives[] = {
     {"xmlput", &Walk::handleXmlput},   {"foreach", &Walk::handleForeach},
 };
 
+namespace
+{
+
+/// Letters as bits; other bytes share bits with letters, so this only tells what is not there.
+constexpr std::uint32_t bit(char c)
+{
+    return std::uint32_t{1} << (static_cast<unsigned char>(c) & 31);
+}
+
+}  // namespace
+
 const Walk::Directive *Walk::findDirective(const char *tag)
 {
+    // The first two letters alone tell nearly every other name from all of these.
+    static constexpr std::uint32_t first = bit('i') | bit('s') | bit('d') | bit('f') | bit('x');
+    static constexpr std::uint32_t second =
+        bit('f') | bit('w') | bit('n') | bit('e') | bit('o') | bit('m');
+    if (!(first & bit(tag[0])) || !(second & bit(tag[1])))
+        return nullptr;
     for (const Directive &directive : directives) {
-        if (directive.tag[0] == tag[0] && std::strcmp(directive.tag, tag) == 0)
+        if (std::strcmp(directive.tag, tag) == 0)
             return &directive;
     }
     return nullptr;
@@ -54,12 +72,15 @@ void Walk::walkChain(XMLNode **link, Level &level)
         auto &element = static_cast<XMLElement &>(**link);
         if (level.expand)
             document.expandAttributes(&element, level.macros);
-        const Directive *directive = findDirective(element.name());
-        const Outcome outcome =
-            directive ? (this->*directive->handler)(element, level) : Outcome::ordinary();
-        if (hasGrownTooFar())
-            return;
-        link = apply(link, element, outcome, level);
+        if (const Directive *directive = findDirective(element.name())) {
+            const Outcome outcome = (this->*directive->handler)(element, level);
+            if (!hasGrownTooFar())
+                link = apply(link, element, outcome, level);
+        } else {
+            if (!hasGrownTooFar())
+                walkOwnChildren(element, level);
+            link = &element.nextSibling;
+        }
     }
 }
 
@@ -97,11 +118,18 @@ void Walk::walkContent(XMLElement &element, const Outcome &outcome, Level &level
         Scope &scope = *outcome.scope;
         Level inner{scope.fileName, scope.macros, scope.expand, scope.includes};
         walkChildren(outcome.standIn ? outcome.standIn : outcome.replacement, inner);
-    } else if (outcome.processChildren && element.firstChild) {
-        MacroMap macros = level.macros;
-        Level inner{level.fileName, macros, level.expand, level.includes};
-        walkChildren(&element, inner);
+    } else if (outcome.processChildren) {
+        walkOwnChildren(element, level);
     }
+}
+
+void Walk::walkOwnChildren(XMLElement &element, const Level &level)
+{
+    if (!element.firstChild)
+        return;
+    MacroMap macros = level.macros;
+    Level inner{level.fileName, macros, level.expand, level.includes};
+    walkChildren(&element, inner);
 }
 
 void Walk::walkChildren(XMLNode *parent, Level &level)
@@ -168,11 +196,8 @@ void Walk::reportAndStop(const QString &message)
     report(message);
 }
 
-bool Walk::hasGrownTooFar()
+void Walk::reportGrowth()
 {
-    if (stopped || document.bytesUsed() - bytesAtStart <= limits.growth)
-        return stopped;
     reportAndStop(
         QStringLiteral("directives bring more than %1 bytes into the document").arg(limits.growth));
-    return true;
 }

@@ -73,6 +73,7 @@ private:
 
     void walkChain(XMLNode **link, Level &level);
     void walkChildren(XMLNode *parent, Level &level);
+    void walkOwnChildren(XMLElement &element, const Level &level);
     void walkContent(XMLElement &element, const Outcome &outcome, Level &level);
     XMLNode **apply(XMLNode **link, XMLElement &element, const Outcome &outcome, Level &level);
     void checkRoot();
@@ -103,7 +104,15 @@ private:
     /// Hands "XmlPP::processConditionals(): " and \a message to reportError().
     void report(const QString &message);
     void reportAndStop(const QString &message);
-    bool hasGrownTooFar();
+    void reportGrowth();
+
+    /// Whether the walk is to end, for its growth or for what was met before.
+    bool hasGrownTooFar()
+    {
+        if (!stopped && document.bytesUsed() - bytesAtStart > limits.growth)
+            reportGrowth();
+        return stopped;
+    }
 
     XMLPP2 &document;
     const Limits &limits;

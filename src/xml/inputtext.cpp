@@ -1,7 +1,7 @@
 #include "inputtext.h"
 
-#include <algorithm>
-#include <new>
+#include <cstring>
+#include <string>
 
 namespace
 {
@@ -15,41 +15,44 @@ std::size_t seekSize(FILE *stream)
     return fseeko(stream, 0, SEEK_SET) == 0 && end > 0 ? static_cast<std::size_t>(end) : 0;
 }
 
+/// What is left, however long it is.
+std::string readRest(FILE *stream)
+{
+    constexpr std::size_t step = std::size_t{1} << 14;
+    std::string rest;
+    for (std::size_t got = step; got == step;) {
+        const std::size_t before = rest.size();
+        rest.resize(before + step);
+        got = std::fread(rest.data() + before, 1, step, stream);
+        rest.resize(before + got);
+    }
+    return rest;
+}
+
 }  // namespace
 
-InputText::InputText(FILE *stream)
+char *readText(FILE *stream, Pool *pool)
 {
-    if (!readFrom(stream))
-        buffer.reset();
-}
-
-bool InputText::readFrom(FILE *stream)
-{
-    constexpr std::size_t leastRoom = 4096;
-    const std::size_t size = seekSize(stream);
+    std::size_t size = seekSize(stream);
     // A directory can be opened and names a size out of all reason; only reading tells.
     const int first = std::getc(stream);
-    if (first == EOF && std::ferror(stream))
-        return false;
-    resize((first == EOF ? 0 : size) + 2);
-    std::size_t length = 0;
-    if (first != EOF)
-        buffer.get()[length++] = static_cast<char>(first);
-    for (std::size_t got = length; got > 0; length += got) {
-        if (capacity - length < 2)
-            resize(capacity + std::max(capacity, leastRoom));
-        got = std::fread(buffer.get() + length, 1, capacity - length - 1, stream);
+    if (first == EOF)
+        size = 0;
+    else
+        std::ungetc(first, stream);
+    char *text = static_cast<char *>(pool->allocate(size + 1));
+    std::size_t length = std::fread(text, 1, size, stream);
+    if (length == size) {
+        // A pipe cannot tell its size, and a file can have grown.
+        const std::string rest = readRest(stream);
+        if (!rest.empty()) {
+            char *whole = static_cast<char *>(pool->allocate(length + rest.size() + 1));
+            std::memcpy(whole, text, length);
+            std::memcpy(whole + length, rest.data(), rest.size());
+            text = whole;
+            length += rest.size();
+        }
     }
-    buffer.get()[length] = '\0';
-    return !std::ferror(stream);
-}
-
-void InputText::resize(std::size_t newCapacity)
-{
-    char *bytes = static_cast<char *>(std::realloc(buffer.get(), newCapacity));
-    if (!bytes)
-        throw std::bad_alloc();
-    (void)buffer.release();  // realloc() has taken it over
-    buffer.reset(bytes);
-    capacity = newCapacity;
+    text[length] = '\0';
+    return std::ferror(stream) ? nullptr : text;
 }

@@ -67,41 +67,11 @@ bool takeOver(int descriptor, const struct stat &old)
 
 }  // namespace
 
-OutputFile::OutputFile(const char *fileName)
+OutputFile::OutputFile(const char *fileName) : file(open(fileName))
 {
-    struct stat old = {};
-    const bool exists = stat(fileName, &old) == 0;
-    if (exists && !S_ISREG(old.st_mode)) {
-        openInPlace(fileName);
-        return;
-    }
-    // Behind a name like /dev/stdout is a file that others go on writing to: what is put in its
-    // place, or written at an offset of its own, would be lost to them or they to it.
-    for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
-        if (exists && isOpenAs(descriptor, old)) {
-            file = fdopen(dup(descriptor), "wb");
-            return;
-        }
-    }
-    if (exists && access(fileName, W_OK) != 0)
-        return;
-    target = followLinks(fileName);
-    struct stat found = {};
-    const bool leadsThere =
-        exists ? stat(target.c_str(), &found) == 0 && isSameFile(old, found) : !target.empty();
-    if (!leadsThere) {
-        openInPlace(fileName);
-        return;
-    }
-    if (!openTemporary()) {
-        if (noFileCanBeMade(errno))
-            openInPlace(fileName);
-        return;
-    }
-    if (exists && !takeOver(fileno(file), old)) {
-        std::fclose(file);
-        file = nullptr;
-    }
+    // The writer hands over large runs; a buffer of the stream's own would only copy them.
+    if (file)
+        std::setvbuf(file, nullptr, _IONBF, 0);
 }
 
 OutputFile::~OutputFile()
@@ -112,26 +82,53 @@ OutputFile::~OutputFile()
         unlink(temporary.c_str());
 }
 
-void OutputFile::openInPlace(const char *fileName)
+FILE *OutputFile::open(const char *fileName)
 {
-    file = openFile(QString::fromLatin1(fileName), "wb");
+    struct stat old = {};
+    const bool exists = stat(fileName, &old) == 0;
+    if (exists && !S_ISREG(old.st_mode))
+        return openInPlace(fileName);
+    // Behind a name like /dev/stdout is a file that others go on writing to: what is put in its
+    // place, or written at an offset of its own, would be lost to them or they to it.
+    for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
+        if (exists && isOpenAs(descriptor, old))
+            return fdopen(dup(descriptor), "wb");
+    }
+    if (exists && access(fileName, W_OK) != 0)
+        return nullptr;
+    target = followLinks(fileName);
+    struct stat found = {};
+    if (target.empty() ||
+        (exists && (stat(target.c_str(), &found) != 0 || !isSameFile(old, found))))
+        return openInPlace(fileName);
+    FILE *stream = openTemporary();
+    if (!stream)
+        return noFileCanBeMade(errno) ? openInPlace(fileName) : nullptr;
+    if (!exists || takeOver(fileno(stream), old))
+        return stream;
+    std::fclose(stream);
+    return nullptr;
 }
 
-bool OutputFile::openTemporary()
+FILE *OutputFile::openInPlace(const char *fileName)
+{
+    return openFile(QString::fromLatin1(fileName), "wb");
+}
+
+FILE *OutputFile::openTemporary()
 {
     constexpr int mostNames = 1000;
     const std::string prefix = directoryOf(target) + ".xmlpp-" + std::to_string(getpid()) + '-';
     for (int number = 0; number < mostNames; ++number) {
         std::string name = prefix + std::to_string(number);
-        file = openFile(QString::fromLatin1(name), "wbx");
-        if (file) {
+        if (FILE *stream = openFile(QString::fromLatin1(name), "wbx")) {
             temporary = std::move(name);
-            return true;
+            return stream;
         }
         if (errno != EEXIST)
-            return false;
+            break;
     }
-    return false;
+    return nullptr;
 }
 
 bool OutputFile::commit()

@@ -25,10 +25,11 @@ public:
     bool commit();
 
 private:
-    void openInPlace(const char *fileName);
-    bool openTemporary();
+    FILE *open(const char *fileName);
+    FILE *openInPlace(const char *fileName);
+    FILE *openTemporary();
 
-    FILE *file = nullptr;
     std::string target;     ///< the file itself, no symbolic link
     std::string temporary;  ///< empty when the file is written in place
+    FILE *file;
 };

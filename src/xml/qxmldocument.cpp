@@ -43,6 +43,8 @@ XMLElement *QXMLDocument::copyOneExpanded(const XMLElement *source, const MacroM
 
 void QXMLDocument::expandAttributes(XMLElement *element, const MacroMap &macros)
 {
+    if (element->isLiteral())
+        return;
     std::string expanded;
     for (XMLAttribute &attribute : element->attributes()) {
         if (!attribute.value || !std::strchr(attribute.value, '$'))

@@ -57,21 +57,27 @@ XMLNode *XMLDocument::copyOne(const XMLNode *source)
 
 bool XMLDocument::parse(char *text)
 {
+    const std::size_t size = std::strlen(text) + 1;
+    return parseOwn(static_cast<char *>(std::memcpy(allocate(size), text, size)));
+}
+
+/// parse() with text that lies in the pool and becomes part of the tree.
+bool XMLDocument::parseOwn(char *text)
+{
     const CurrentPool current(this);
     XMLReader reader(this, text);
     root = reader.read();
     if (reader.error() == XMLReader::Error::None)
         return true;
-    fail(reader.error() == XMLReader::Error::BadName ? "bad tagName" : "tagName mismatch", "");
     errorLine = reader.errorLine();
-    return false;
+    return fail(reader.error() == XMLReader::Error::BadName ? "bad tagName" : "tagName mismatch",
+                "");
 }
 
 bool XMLDocument::read(FILE *stream)
 {
-    const InputText input(stream);
-    if (input.text())
-        return parse(input.text());
+    if (char *text = readText(stream, this))
+        return parseOwn(text);
     errorLine = 0;
     return fail("couldn't read", "");
 }

@@ -22,7 +22,7 @@ public:
     /// the document is made by this operation.
     virtual XMLElement *createElement(const char *name);
 
-    /// Reads a document from NUL-terminated text, into which nothing keeps a pointer. The result
+    /// Reads a document from a copy of NUL-terminated text, which itself stays as it is. The result
     /// becomes the root even on failure, and is null when the text has no closed top-level
     /// element, which by itself is no failure. Adds to what the pool holds already.
     bool parse(char *text);
@@ -67,5 +67,6 @@ private:
     friend class XMLReader;
 
     XMLNode *copyOne(const XMLNode *source);
+    bool parseOwn(char *text);
     bool fail(const char *message, const char *fileName);
 };

@@ -78,6 +78,7 @@ XMLAttribute *XMLElement::findAttribute(const char *name) const
 
 void XMLElement::setAttribute(const char *name, const char *value)
 {
+    literal = false;
     if (XMLAttribute *attribute = findAttribute(name))
         attribute->value = value;
     else

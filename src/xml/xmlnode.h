@@ -146,12 +146,22 @@ public:
     /// The value of the first attribute of that name. Null when there is none, and also when it
     /// has no value.
     virtual const char *attribute(const char *name) const;
-    virtual XMLAttributeList &attributes() { return attributeList; }
+    virtual XMLAttributeList &attributes()
+    {
+        literal = false;
+        return attributeList;
+    }
     const XMLAttributeList &attributes() const { return attributeList; }
+
+    /// Whether no attribute value holds a '$', as far as that is known: the reader tells, and
+    /// whatever could change an attribute makes it unknown.
+    bool isLiteral() const { return literal; }
+    void setLiteral() { literal = true; }
 
 private:
     XMLAttribute *findAttribute(const char *name) const;
 
+    bool literal = false;
     const char *tag;
     XMLAttributeList attributeList;
 };

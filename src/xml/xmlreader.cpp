@@ -64,9 +64,10 @@ std::size_t decodeReference(std::string_view text, char *decoded)
 }
 
 /// Where \a byte is next, at \a from or behind; the end of the text when it is nowhere.
-const char *findByte(char byte, const char *from)
+template <typename Char>
+Char *findByte(char byte, Char *from)
 {
-    const char *found = std::strchr(from, byte);
+    Char *found = std::strchr(from, byte);
     return found ? found : from + std::strlen(from);
 }
 
@@ -79,8 +80,8 @@ bool beginsWith(const char *text, std::string_view beginning)
     return true;
 }
 
-/// Decodes the references of the text from \a from up to \a end to \a to, which can be where
-/// the text is itself, and ends it with a NUL. With \a dropReturns the carriage returns that are
+/// Decodes the references of the text from \a from up to \a end to \a to, which can be \a from
+/// itself, and ends it with a NUL. With \a dropReturns the carriage returns that are
 /// written as such are left out.
 void decode(const char *from, const char *end, char *to, bool dropReturns)
 {
@@ -107,14 +108,52 @@ void NextByte::find(const char *from)
     next = findByte(byte, from);
 }
 
-XMLReader::XMLReader(XMLDocument *target, const char *text)
+XMLReader::XMLReader(XMLDocument *target, char *text)
     : document(target),
       position(text),
       ampersands('&', text),
+      dollars('$', text),
       // A newline that is the very first byte is never counted.
       nextNewline(*text == '\0' ? text : findByte('\n', text + 1)),
       keepComments(target->keepComments)
 {
+}
+
+inline void XMLReader::skipSpace()
+{
+    char *p = position;
+    while (CharacterClass::is(CharacterClass::Space, *p))
+        ++p;
+    position = p;
+}
+
+/// Steps over one byte, whatever it is, but never past the end of the text.
+inline void XMLReader::skipByte()
+{
+    if (*position != '\0')
+        ++position;
+}
+
+inline XMLReader::Span XMLReader::readName()
+{
+    char *const start = position;
+    char *p = start;
+    while (CharacterClass::is(CharacterClass::Name, *p))
+        ++p;
+    position = p;
+    return {start, p};
+}
+
+/// The text between the quote here and the next one, or the end; stands behind the white space
+/// that follows it.
+inline XMLReader::Span XMLReader::readQuoted()
+{
+    char *const start = position + 1;
+    char *const end = findByte('"', start);
+    position = end;
+    skipByte();
+    skipSpace();
+    return {start, end};
 }
 
 XMLNode *XMLReader::read()
@@ -218,7 +257,7 @@ void XMLReader::readComment()
     ++position;
     Span text{};
     if (findEnd("-->", &text) && keepComments && !open.empty())
-        append(new XMLComment(XMLDocument::copyString(text.start, text.length())), markupLine);
+        append(new XMLComment(endText(text)), markupLine);
 }
 
 void XMLReader::readCData()
@@ -229,7 +268,7 @@ void XMLReader::readCData()
     skipByte();
     Span text{};
     if (findEnd("]]>", &text) && !open.empty())
-        append(new XMLCDATASection(XMLDocument::copyString(text.start, text.length())), markupLine);
+        append(new XMLCDATASection(endText(text)), markupLine);
 }
 
 void XMLReader::readDoctype()
@@ -286,6 +325,23 @@ bool XMLReader::readStartTag()
     }
 }
 
+/// A name that the tag has already gets its value replaced in its place.
+inline void XMLReader::setAttribute(const Span &name, const Span &value)
+{
+    if (attributes.size() > mostComparedNames) {
+        setIndexedAttribute(name, value);
+        return;
+    }
+    for (Attribute &attribute : attributes) {
+        if (attribute.name.length() == name.length() &&
+            beginsWith(attribute.name.start, name.view())) {
+            attribute.value = value;
+            return;
+        }
+    }
+    attributes.push_back({name, value});
+}
+
 bool XMLReader::readAttribute()
 {
     if (!CharacterClass::is(CharacterClass::NameStart, *position))
@@ -301,58 +357,46 @@ bool XMLReader::readAttribute()
     return true;
 }
 
-/// A name that the tag has already gets its value replaced in its place.
-void XMLReader::setAttribute(const Span &name, const Span &value)
+void XMLReader::setIndexedAttribute(const Span &name, const Span &value)
 {
-    if (Attribute *earlier = findAttribute(name.view())) {
-        earlier->value = value;
-        return;
-    }
-    attributes.push_back({name, value});
-    if (attributes.size() <= mostComparedNames)
-        return;
     for (std::size_t i = attributeIndex.size(); i < attributes.size(); ++i)
         attributeIndex.emplace(attributes[i].name.view(), i);
+    const auto found = attributeIndex.find(name.view());
+    if (found != attributeIndex.end())
+        attributes[found->second].value = value;
+    else
+        attributes.push_back({name, value});
 }
 
-XMLReader::Attribute *XMLReader::findAttribute(std::string_view name)
-{
-    if (attributes.size() > mostComparedNames) {
-        const auto found = attributeIndex.find(name);
-        return found == attributeIndex.end() ? nullptr : &attributes[found->second];
-    }
-    for (Attribute &attribute : attributes) {
-        if (attribute.name.length() == name.size() && beginsWith(attribute.name.start, name))
-            return &attribute;
-    }
-    return nullptr;
-}
-
-/// Makes the element of the tag that was read. One copy of the tag's text, from its name to its
-/// last value, holds all strings of the element: they only have to be ended in it.
+/// Makes the element of the tag that was read up to here.
 void XMLReader::openElement(const Span &name)
 {
-    const char *last = name.end;
-    for (const Attribute &attribute : attributes)
-        last = std::max(last, attribute.value.end);
-    char *const copy = XMLDocument::copyString(name.start, Span{name.start, last}.length());
-    const auto copyOf = [&](const char *where) { return copy + (where - name.start); };
-
-    *copyOf(name.end) = '\0';
-    XMLElement *element = document->createElement(copy);
+    const bool mayHaveReferences = ampersands.isIn(name.start, position);
+    const bool isLiteral = !mayHaveReferences && !dollars.isIn(name.start, position);
+    XMLElement *element = document->createElement(endText(name));
     element->line = markupLine;
     XMLAttributeAppender appender(&element->attributes());
-    for (const auto &[attributeName, value] : attributes) {
-        *copyOf(attributeName.end) = '\0';
-        if (ampersands.isIn(value.start, value.end))
-            decode(copyOf(value.start), copyOf(value.end), copyOf(value.start), false);
-        else
-            *copyOf(value.end) = '\0';
-        appender.append(copyOf(attributeName.start), copyOf(value.start));
+    for (const Attribute &attribute : attributes) {
+        *attribute.name.end = '\0';
+        *attribute.value.end = '\0';
+        if (mayHaveReferences)
+            decode(attribute.value.start, attribute.value.end, attribute.value.start, false);
+        appender.append(attribute.name.start, attribute.value.start);
     }
+    if (isLiteral)
+        element->setLiteral();
     if (!attributeIndex.empty())
         attributeIndex = {};
     open.push_back({element, &element->firstChild});
+}
+
+/// Ends \a text, all of which and the byte behind it was read, with a NUL. The newlines up to
+/// here are counted first: no later search could see beyond that NUL.
+const char *XMLReader::endText(const Span &text)
+{
+    lineAt(position);
+    *text.end = '\0';
+    return text.start;
 }
 
 /// An end tag, or the end of an empty-element tag, from its '/'.
@@ -387,7 +431,7 @@ void XMLReader::closeElement()
 
 void XMLReader::readCharacterData()
 {
-    const char *const start = position;
+    char *const start = position;
     position = findByte('<', start);
     if (!keepComments || open.empty())
         return;
@@ -405,43 +449,6 @@ void XMLReader::append(XMLNode *node, int firstLine)
     node->parent = parent.element;
     *parent.end = node;
     parent.end = &node->nextSibling;
-}
-
-void XMLReader::skipSpace()
-{
-    const char *p = position;
-    while (CharacterClass::is(CharacterClass::Space, *p))
-        ++p;
-    position = p;
-}
-
-/// Steps over one byte, whatever it is, but never past the end of the text.
-void XMLReader::skipByte()
-{
-    if (*position != '\0')
-        ++position;
-}
-
-XMLReader::Span XMLReader::readName()
-{
-    const char *const start = position;
-    const char *p = start;
-    while (CharacterClass::is(CharacterClass::Name, *p))
-        ++p;
-    position = p;
-    return {start, p};
-}
-
-/// The text between the quote here and the next one, or the end; stands behind the white space
-/// that follows it.
-XMLReader::Span XMLReader::readQuoted()
-{
-    const char *const start = position + 1;
-    const char *const end = findByte('"', start);
-    position = end;
-    skipByte();
-    skipSpace();
-    return {start, end};
 }
 
 bool XMLReader::fail(Error what)

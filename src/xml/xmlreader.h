@@ -32,8 +32,9 @@ private:
 };
 
 /// One read: a single pass over NUL-terminated text, from its first byte to the NUL or to the
-/// first error, without looking back. The nodes and copies of all strings go to the document's
-/// pool, which must be the current one. What XML 1.0 has and this reader has not is passed over
+/// first error, without looking back. The text lies in the document's pool, which must be the
+/// current one and takes the nodes, and the reader takes it over: the strings of the nodes are
+/// pieces of it, decoded where they are and ended with a NUL. What XML 1.0 has and this reader has not is passed over
 /// as character data; it never fails but for the two errors below.
 class XMLReader
 {
@@ -44,7 +45,7 @@ public:
         Mismatch,  ///< an end tag's name is no beginning of the open element's name
     };
 
-    XMLReader(XMLDocument *target, const char *text);
+    XMLReader(XMLDocument *target, char *text);
 
     /// The last top-level element that was closed. Null when there is none.
     XMLNode *read();
@@ -55,8 +56,8 @@ public:
 private:
     /// A piece of the text.
     struct Span {
-        const char *start;
-        const char *end;
+        char *start;
+        char *end;
 
         std::size_t length() const { return static_cast<std::size_t>(end - start); }
         std::string_view view() const { return {start, length()}; }
@@ -89,17 +90,19 @@ private:
     Span readQuoted();
     bool findEnd(const char *terminator, Span *text);
 
-    Attribute *findAttribute(std::string_view name);
     void setAttribute(const Span &name, const Span &value);
+    void setIndexedAttribute(const Span &name, const Span &value);
     void openElement(const Span &name);
     void closeElement();
+    const char *endText(const Span &text);
     void append(XMLNode *node, int line);
     bool fail(Error what);
     int lineAt(const char *where);
 
     XMLDocument *document;
-    const char *position;
+    char *position;
     NextByte ampersands;
+    NextByte dollars;
     const char *nextNewline;  ///< the first newline that is not counted in line yet, or the end
     int line = 0;
     int markupLine = 0;

@@ -5,60 +5,54 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 #include <vector>
 
-/// For what is short, as all that the writer adds is.
-inline void XMLWriter::write(std::string_view text)
+namespace
 {
-    if (text.size() > static_cast<std::size_t>(bufferEnd - next))
-        flush();
-    std::memcpy(next, text.data(), text.size());
-    next += text.size();
+
+/// For the short pieces that fit the slack of the buffer.
+inline char *append(char *to, std::string_view piece)
+{
+    std::memcpy(to, piece.data(), piece.size());
+    return to + piece.size();
 }
 
-inline void XMLWriter::put(char c)
-{
-    write({&c, 1});
-}
+}  // namespace
 
 XMLWriter::XMLWriter(FILE *target, int spacesPerLevel)
     : stream(target),
       indent(spacesPerLevel),
-      buffer(new char[bufferSize]),
-      next(buffer.get()),
-      bufferEnd(next + bufferSize)
+      buffer(new char[bufferSize + slack]),
+      bufferEnd(buffer.get() + bufferSize)
 {
-}
-
-XMLWriter::~XMLWriter()
-{
-    flush();
 }
 
 void XMLWriter::writeDocument(const XMLDocument &document)
 {
-    const auto writeBetween = [this](const char *before, const char *text, const char *after) {
-        if (!text)
-            return;
-        writeText(before);
-        writeText(text);
-        writeText(after);
+    char *to = buffer.get();
+    const auto appendBetween = [&](const char *before, const char *text, const char *after) {
+        if (text)
+            to = append(appendText(append(to, before), text), after);
     };
     if (document.version || document.encoding) {
-        write("<?xml ");
-        writeBetween(" version=\"", document.version, "\"");
-        writeBetween(" encoding=\"", document.encoding, "\"");
-        write(" ?>\n");
+        to = append(to, "<?xml ");
+        appendBetween(" version=\"", document.version, "\"");
+        appendBetween(" encoding=\"", document.encoding, "\"");
+        to = append(to, " ?>\n");
     }
-    writeBetween("<!DOCTYPE ", document.doctype, ">\n");
+    appendBetween("<!DOCTYPE ", document.doctype, ">\n");
+    flush(to);
     writeNode(document.root, 0);
 }
 
 void XMLWriter::writeNode(const XMLNode *node, long long depth)
 {
     std::vector<const XMLNode *> open;
+    char *to = buffer.get();
     for (;;) {
-        if (writeOpening(node, depth)) {
+        to = appendNode(to, node, depth);
+        if (node && node->kind() == XMLNode::Kind::Element && node->firstChild) {
             open.push_back(node);
             ++depth;
             node = node->firstChild;
@@ -67,142 +61,126 @@ void XMLWriter::writeNode(const XMLNode *node, long long depth)
         while (!open.empty() && !node->nextSibling) {
             node = open.back();
             open.pop_back();
-            writeEndTag(static_cast<const XMLElement *>(node), --depth);
+            to = appendEndTag(to, static_cast<const XMLElement *>(node), --depth);
         }
         if (open.empty())
-            return;
+            break;
         node = node->nextSibling;
     }
-}
-
-/// All of \a node that stands before its children; true when there are children to be written.
-bool XMLWriter::writeOpening(const XMLNode *node, long long depth)
-{
-    writeIndentation(depth);
-    if (!node)
-        return false;
-    switch (node->kind()) {
-    case XMLNode::Kind::Element:
-        writeStartTag(static_cast<const XMLElement *>(node));
-        return node->firstChild != nullptr;
-    case XMLNode::Kind::Data:
-        writeEscaped(static_cast<const XMLText *>(node)->data());
-        return false;
-    case XMLNode::Kind::Comment:
-        write("<!--");
-        writeText(static_cast<const XMLText *>(node)->data());
-        write("-->");
-        return false;
-    case XMLNode::Kind::CDATASection:
-        write("<![CDATA[");
-        writeText(static_cast<const XMLText *>(node)->data());
-        write("]]>");
-        return false;
-    case XMLNode::Kind::Other:
-        break;
-    }
-    return false;
-}
-
-void XMLWriter::writeStartTag(const XMLElement *element)
-{
-    put('<');
-    writeText(element->name());
-    for (const XMLAttribute &attribute : element->attributes()) {
-        put(' ');
-        writeText(attribute.name);
-        write("=\"");
-        writeEscaped(attribute.value);
-        put('"');
-    }
-    write(element->firstChild ? ">" : "/>");
-    writeLineFeed();
-}
-
-void XMLWriter::writeEndTag(const XMLElement *element, long long depth)
-{
-    writeIndentation(depth);
-    write("</");
-    writeText(element->name());
-    put('>');
-    writeLineFeed();
-}
-
-// The two loops below keep their pointers in locals: through next, every byte that is written
-// would count as a possible change of next itself.
-
-void XMLWriter::writeText(const char *text)
-{
-    for (;;) {
-        char *to = next;
-        while (to != bufferEnd && *text != '\0')
-            *to++ = *text++;
-        next = to;
-        if (*text == '\0')
-            return;
-        flush();
-    }
+    flush(to);
 }
 
 void XMLWriter::writeEscaped(const char *text)
 {
-    if (!text)
-        return;
+    flush(appendEscaped(buffer.get(), text));
+}
+
+/// All of \a node that stands before its children.
+char *XMLWriter::appendNode(char *to, const XMLNode *node, long long depth)
+{
+    to = appendIndentation(to, depth);
+    if (!node)
+        return to;
+    switch (node->kind()) {
+    case XMLNode::Kind::Element:
+        return appendStartTag(to, static_cast<const XMLElement *>(node));
+    case XMLNode::Kind::Data:
+        return appendEscaped(to, static_cast<const XMLText *>(node)->data());
+    case XMLNode::Kind::Comment:
+        to = appendText(append(to, "<!--"), static_cast<const XMLText *>(node)->data());
+        return append(to, "-->");
+    case XMLNode::Kind::CDATASection:
+        to = appendText(append(to, "<![CDATA["), static_cast<const XMLText *>(node)->data());
+        return append(to, "]]>");
+    case XMLNode::Kind::Other:
+        break;
+    }
+    return to;
+}
+
+inline char *XMLWriter::appendText(char *to, const char *text)
+{
     for (;;) {
-        char *to = next;
-        while (to != bufferEnd && CharacterClass::is(CharacterClass::Plain, *text))
+        while (to < bufferEnd && *text != '\0')
             *to++ = *text++;
-        next = to;
-        if (to == bufferEnd)
-            flush();
-        else if (*text == '\0')
-            return;
-        else
-            writeReference(static_cast<unsigned char>(*text++));
+        if (*text == '\0')
+            return to;
+        to = flush(to);
     }
 }
 
-void XMLWriter::writeReference(unsigned char byte)
+inline char *XMLWriter::appendEscaped(char *to, const char *text)
+{
+    if (!text)
+        return to;
+    for (;;) {
+        while (to < bufferEnd && CharacterClass::is(CharacterClass::Plain, *text))
+            *to++ = *text++;
+        if (*text == '\0')
+            return to;
+        if (to >= bufferEnd)
+            to = flush(to);
+        else
+            to = appendReference(to, static_cast<unsigned char>(*text++));
+    }
+}
+
+char *XMLWriter::appendStartTag(char *to, const XMLElement *element)
+{
+    to = appendText(append(to, "<"), element->name());
+    for (const XMLAttribute &attribute : element->attributes()) {
+        to = append(appendText(append(to, " "), attribute.name), "=\"");
+        to = append(appendEscaped(to, attribute.value), "\"");
+    }
+    to = append(to, element->firstChild ? ">" : "/>");
+    return indent != 0 ? append(to, "\n") : to;
+}
+
+char *XMLWriter::appendEndTag(char *to, const XMLElement *element, long long depth)
+{
+    to = append(appendIndentation(to, depth), "</");
+    to = append(appendText(to, element->name()), ">");
+    return indent != 0 ? append(to, "\n") : to;
+}
+
+char *XMLWriter::appendReference(char *to, unsigned char byte)
 {
     static constexpr char digits[] = "0123456789abcdef";
     switch (byte) {
     case '"':
-        return write("&quot;");
+        return append(to, "&quot;");
     case '&':
-        return write("&amp;");
+        return append(to, "&amp;");
     case '<':
-        return write("&lt;");
+        return append(to, "&lt;");
     case '>':
-        return write("&gt;");
+        return append(to, "&gt;");
     default:
-        write("&#x");
+        to = append(to, "&#x");
         if (byte >= 0x10)
-            put(digits[byte >> 4]);
-        put(digits[byte & 0xF]);
-        put(';');
+            *to++ = digits[byte >> 4];
+        *to++ = digits[byte & 0xF];
+        *to++ = ';';
+        return to;
     }
 }
 
-void XMLWriter::writeIndentation(long long depth)
+char *XMLWriter::appendIndentation(char *to, long long depth)
 {
     for (long long spaces = indent * depth; spaces > 0;) {
-        if (next == bufferEnd)
-            flush();
-        const auto run = std::min(spaces, static_cast<long long>(bufferEnd - next));
-        std::memset(next, ' ', static_cast<std::size_t>(run));
-        next += run;
+        if (to >= bufferEnd)
+            to = flush(to);
+        const auto run = std::min(spaces, static_cast<long long>(bufferEnd - to));
+        std::memset(to, ' ', static_cast<std::size_t>(run));
+        to += run;
         spaces -= run;
     }
+    return to;
 }
 
-void XMLWriter::writeLineFeed()
+/// Hands the buffer's content up to \a to over. Returns where the next byte goes.
+char *XMLWriter::flush(char *to)
 {
-    if (indent != 0)
-        put('\n');
-}
-
-void XMLWriter::flush()
-{
-    std::fwrite(buffer.get(), 1, static_cast<std::size_t>(next - buffer.get()), stream);
-    next = buffer.get();
+    std::fwrite(buffer.get(), 1, static_cast<std::size_t>(to - buffer.get()), stream);
+    return buffer.get();
 }

@@ -4,21 +4,20 @@
 
 #include <cstdio>
 #include <memory>
-#include <string_view>
 
 class XMLDocument;
 
 /// Formats nodes for one stream. What it writes is gathered and handed to the stream in large
-/// runs, the last of them when the writer goes. Failures are the stream's: nothing here looks at
-/// them.
+/// runs, the last of them at the end of each operation. Failures are the stream's: nothing here
+/// looks at them.
 class XMLWriter
 {
 public:
     XMLWriter(FILE *target, int spacesPerLevel);
-    ~XMLWriter();
     XMLWriter(const XMLWriter &) = delete;
     XMLWriter &operator=(const XMLWriter &) = delete;
 
+    /// The declaration, the document type and the tree.
     void writeDocument(const XMLDocument &document);
 
     /// \a node, which can be null, and all below it, \a depth levels deep. Takes no more of the
@@ -30,21 +29,23 @@ public:
 
 private:
     static constexpr std::size_t bufferSize = std::size_t{1} << 16;
+    /// Room behind bufferEnd for the few bytes that the writer itself adds between two texts.
+    static constexpr std::size_t slack = 64;
 
-    bool writeOpening(const XMLNode *node, long long depth);
-    void writeStartTag(const XMLElement *element);
-    void writeEndTag(const XMLElement *element, long long depth);
-    void writeReference(unsigned char byte);
-    void writeIndentation(long long depth);
-    void writeLineFeed();
-    void writeText(const char *text);
-    void write(std::string_view text);
-    void put(char c);
-    void flush();
+    // Each of these appends at to, which text never takes beyond bufferEnd, and returns the new
+    // end. It is handed on in locals: every byte that is written could otherwise, for all that
+    // the compiler knows, change the member in which the end is kept.
+    char *appendText(char *to, const char *text);
+    char *appendEscaped(char *to, const char *text);
+    char *appendReference(char *to, unsigned char byte);
+    char *appendIndentation(char *to, long long depth);
+    char *appendStartTag(char *to, const XMLElement *element);
+    char *appendEndTag(char *to, const XMLElement *element, long long depth);
+    char *appendNode(char *to, const XMLNode *node, long long depth);
+    char *flush(char *to);
 
     FILE *stream;
     int indent;
     std::unique_ptr<char[]> buffer;
-    char *next;
     char *const bufferEnd;
 };
