@@ -55,6 +55,8 @@ constexpr BuiltinMacro builtinMacros[] = {
 
 bool builtinMacroValue(const QString &name, QString &value)
 {
+    if (!name.startsWith(u'D') && !name.startsWith(u'T'))
+        return false;
     for (const BuiltinMacro &macro : builtinMacros) {
         if (name == macro.name) {
             value = macro.value();

@@ -13,6 +13,31 @@ constexpr int mostPasses = 1000;
 constexpr std::size_t mostRescanned = std::size_t{64} << 20;
 constexpr std::size_t longestExpansion = std::size_t{64} << 20;
 
+/// A level's macros and, where they count, the system macros behind them.
+class MapLookup : public MacroLookup
+{
+public:
+    MapLookup(const MacroMap *levelMacros, const MacroMap *systemMacros)
+        : level(*levelMacros),
+          system(systemMacros)
+    {
+    }
+
+    const QString *find(const QString &name) override
+    {
+        auto found = level.constFind(name);
+        if (found != level.cend())
+            return &found.value();
+        if (!system || (found = system->constFind(name)) == system->cend())
+            return nullptr;
+        return &found.value();
+    }
+
+private:
+    const MacroMap &level;
+    const MacroMap *system;
+};
+
 /// Thrown by an 8-bit expansion that meets a value with a character above 0xFF.
 struct NotLatin1 {
 };
@@ -25,9 +50,8 @@ public:
     using Text = std::basic_string<Char>;
     using View = std::basic_string_view<Char>;
 
-    Expansion(const MacroMap &level, const MacroMap *system, char introducerByte, Text *target)
-        : macros(level),
-          systemMacros(system),
+    Expansion(MacroLookup *lookup, char introducerByte, Text *target)
+        : macros(*lookup),
           introducer(static_cast<Char>(introducerByte)),
           result(*target)
     {
@@ -64,8 +88,7 @@ private:
     void append(const QString &value);
     const QString *find(View name);
 
-    const MacroMap &macros;
-    const MacroMap *systemMacros;
+    MacroLookup &macros;
     const Char introducer;
     Text &result;
     std::size_t longest = 0;
@@ -188,16 +211,9 @@ void Expansion<Char>::substitute(View reference, View inner)
 template <typename Char>
 const QString *Expansion<Char>::find(View name)
 {
-    const auto lookUp = [this](const QString &key) -> const QString * {
-        auto found = macros.constFind(key);
-        if (found == macros.cend()) {
-            if (!systemMacros)
-                return nullptr;
-            found = systemMacros->constFind(key);
-            if (found == systemMacros->cend())
-                return nullptr;
-        }
-        return builtinMacroValue(key, builtinValue) ? &builtinValue : &found.value();
+    const auto lookUp = [this](const QString &key) {
+        const QString *value = macros.find(key);
+        return value && builtinMacroValue(key, builtinValue) ? &builtinValue : value;
     };
     if constexpr (std::is_same_v<Char, char>)
         return lookUp(MacroKey(name));
@@ -240,9 +256,14 @@ void Expansion<Char>::append(const QString &value)
 QString MacroValues::expandMacros(const MacroMap &macros, const QString &text,
                                   bool useSystemMacros) const
 {
+    MapLookup lookup(&macros, useSystemMacros ? &systemMacros : nullptr);
+    return expand(lookup, text);
+}
+
+QString MacroValues::expand(MacroLookup &macros, const QString &text) const
+{
     std::u16string result;
-    Expansion<char16_t> expansion(macros, useSystemMacros ? &systemMacros : nullptr,
-                                  macroIntroducer, &result);
+    Expansion<char16_t> expansion(&macros, macroIntroducer, &result);
     if (!expansion.run({reinterpret_cast<const char16_t *>(text.constData()),
                         static_cast<std::size_t>(text.size())}))
         return {};
@@ -253,14 +274,18 @@ QString MacroValues::expandMacros(const MacroMap &macros, const QString &text,
 bool MacroValues::expandLatin1(const MacroMap &macros, std::string_view text, bool useSystemMacros,
                                std::string *result) const
 {
+    MapLookup lookup(&macros, useSystemMacros ? &systemMacros : nullptr);
+    return expandLatin1(lookup, text, result);
+}
+
+bool MacroValues::expandLatin1(MacroLookup &macros, std::string_view text,
+                               std::string *result) const
+{
     try {
-        Expansion<char> expansion(macros, useSystemMacros ? &systemMacros : nullptr,
-                                  macroIntroducer, result);
-        return expansion.run(text);
+        return Expansion<char>(&macros, macroIntroducer, result).run(text);
     } catch (const NotLatin1 &) {
-        const QString wide = expandMacros(
-            macros, QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size())),
-            useSystemMacros);
+        const QString wide =
+            expand(macros, QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size())));
         *result = wide.toLatin1().toStdString();
         return !wide.isNull();
     }

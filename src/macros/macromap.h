@@ -29,6 +29,16 @@ private:
     QString key;
 };
 
+/// Where names are looked up that are not, or not all, in one map.
+class MacroLookup
+{
+public:
+    virtual ~MacroLookup() = default;
+
+    /// The value of the macro \a name, null when there is none. Valid until the next call.
+    virtual const QString *find(const QString &name) = 0;
+};
+
 /// The value of the macro \a name (Latin-1, null meaning the empty name), null when \a macros
 /// has none. Never inserts; the result is valid until \a macros changes.
 const QString *findMacro(const MacroMap &macros, const char *name);

@@ -1,5 +1,7 @@
 #include "macrovalues.h"
 
+#include <utility>
+
 MacroValues globalMacros;
 
 MacroValues::MacroValues()
@@ -29,19 +31,25 @@ QStringList MacroValues::splitMacroList(const QString &text, bool keepEmpty)
 {
     QStringList items;
     QString item;
+    qsizetype runStart = 0;  // of the characters that stand for themselves
+    const auto takeRun = [&](qsizetype end) {
+        item += QStringView(text).sliced(runStart, end - runStart);
+    };
     const auto finishItem = [&] {
         if (keepEmpty || !item.isEmpty())
-            items.append(item);
-        item.clear();
+            items.append(std::exchange(item, QString()));
     };
     for (qsizetype i = 0; i < text.size(); ++i) {
-        if (text[i] == u'\\' && i + 1 < text.size())
-            item.append(text[++i]);
-        else if (text[i] == u';')
+        if (text[i] == u'\\' && i + 1 < text.size()) {
+            takeRun(i);
+            runStart = ++i;
+        } else if (text[i] == u';') {
+            takeRun(i);
             finishItem();
-        else
-            item.append(text[i]);
+            runStart = i + 1;
+        }
     }
+    takeRun(text.size());
     finishItem();
     return items;
 }
@@ -61,6 +69,8 @@ MacroMap MacroValues::parseMacroList(const QStringList &items)
 
 MacroMap MacroValues::mergeMacros(const MacroMap &base, const MacroMap &overrides)
 {
+    if (base.isEmpty())
+        return overrides;
     MacroMap merged = base;
     for (auto entry = overrides.cbegin(); entry != overrides.cend(); ++entry)
         merged.insert(entry.key(), entry.value());

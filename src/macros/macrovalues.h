@@ -54,7 +54,12 @@ public:
     bool expandLatin1(const MacroMap &macros, std::string_view text, bool useSystemMacros,
                       std::string *result) const;
 
+    /// The same with names that only \a macros knows.
+    bool expandLatin1(MacroLookup &macros, std::string_view text, std::string *result) const;
+
 private:
+    QString expand(MacroLookup &macros, const QString &text) const;
+
     MacroMap systemMacros;
     char macroIntroducer = '$';
 };

@@ -5,15 +5,12 @@
 
 #include <vector>
 
-/// The rounds of a loop: which macros the copies of its body are expanded with in each.
-class LoopRounds
+using namespace Qt::StringLiterals;
+
+/// The rounds of a loop, and the macros that the copies of its body are expanded with in each.
+class LoopRounds : public MacroLookup
 {
 public:
-    virtual ~LoopRounds() = default;
-
-    /// The macros of the current round.
-    virtual const MacroMap &macros() = 0;
-
     /// Goes on to the next round; false when there is none.
     virtual bool advance() = 0;
 };
@@ -30,7 +27,6 @@ public:
     std::uint32_t step = 0;
     std::uint32_t factor = 1;
     std::uint32_t offset = 0;
-    QString index;
 
     /// The number of rounds, \a most + 1 if there are more than \a most.
     unsigned count(unsigned most) const
@@ -41,18 +37,14 @@ public:
         return rounds;
     }
 
-    void begin() { current = start; }
-
-    const MacroMap &macros() override
+    void begin(const QString &index)
     {
-        const std::uint32_t derived = current * factor + offset;
-        map.insert(index, QString::number(current));
-        map.insert(index + QStringLiteral("_alpha"), QChar(static_cast<char16_t>(current + 65)));
-        map.insert(index + QStringLiteral("_hex"), hex(current));
-        map.insert(index + QStringLiteral("_ap"), QString::number(derived));
-        map.insert(index + QStringLiteral("_ap_hex"), hex(derived));
-        return map;
+        current = start;
+        counterName = index;
     }
+
+    /// Makes only the macro that is asked for: few bodies use all of them.
+    const QString *find(const QString &name) override;
 
     bool advance() override
     {
@@ -61,14 +53,46 @@ public:
     }
 
 private:
-    static QString hex(std::uint32_t value)
-    {
-        return QStringLiteral("0x") + QString::number(value, 16).toUpper();
-    }
+    /// A macro of the round by what follows the counter's name in its own; its value is made of
+    /// the counter and of what factor and offset make of that.
+    struct Derived {
+        QLatin1StringView suffix;
+        QString (*value)(std::uint32_t counter, std::uint32_t derived);
+    };
+    static const Derived derivedMacros[];
 
     std::uint32_t current = 0;
-    MacroMap map;
+    QString counterName;
+    QString value;
 };
+
+QString hex(std::uint32_t value)
+{
+    return QStringLiteral("0x") + QString::number(value, 16).toUpper();
+}
+
+const CountedRounds::Derived CountedRounds::derivedMacros[] = {
+    {""_L1, [](std::uint32_t i, std::uint32_t) { return QString::number(i); }},
+    {"_alpha"_L1,
+     [](std::uint32_t i, std::uint32_t) { return QString(QChar(static_cast<char16_t>(i + 65))); }},
+    {"_hex"_L1, [](std::uint32_t i, std::uint32_t) { return hex(i); }},
+    {"_ap"_L1, [](std::uint32_t, std::uint32_t ap) { return QString::number(ap); }},
+    {"_ap_hex"_L1, [](std::uint32_t, std::uint32_t ap) { return hex(ap); }},
+};
+
+const QString *CountedRounds::find(const QString &name)
+{
+    if (!name.startsWith(counterName))
+        return nullptr;
+    const QStringView suffix = QStringView(name).sliced(counterName.size());
+    for (const Derived &derived : derivedMacros) {
+        if (suffix == derived.suffix) {
+            value = derived.value(current, current * factor + offset);
+            return &value;
+        }
+    }
+    return nullptr;
+}
 
 /// <foreach>: all combinations of one value from each list, the last list varying fastest.
 class CombinedRounds : public LoopRounds
@@ -92,11 +116,13 @@ public:
         return isEmpty ? 0 : static_cast<unsigned>(product);
     }
 
-    const MacroMap &macros() override
+    const QString *find(const QString &name) override
     {
-        for (const List &list : lists)
-            map.insert(list.name, list.values[list.position]);
-        return map;
+        for (const List &list : lists) {
+            if (list.name == name)
+                return &list.values[list.position];
+        }
+        return nullptr;
     }
 
     bool advance() override
@@ -117,7 +143,6 @@ private:
     };
 
     std::vector<List> lists;
-    MacroMap map;
 };
 
 }  // namespace
@@ -144,7 +169,6 @@ Outcome Walk::handleFor(XMLElement &element, Level &level)
             rounds.offset = 0 - derived("sub");
         if (element.hasAttribute("mul"))
             rounds.factor = derived("mul");
-        rounds.index = QString::fromLatin1(element.attribute("index"));
         rounds.start = bound("start");
         rounds.end = bound("end");
         rounds.step = bound("incr");
@@ -158,7 +182,7 @@ Outcome Walk::handleFor(XMLElement &element, Level &level)
         report(QStringLiteral("more than %1 rounds in <for>").arg(limits.loopRounds));
         return Outcome::remove();
     }
-    rounds.begin();
+    rounds.begin(QString::fromLatin1(element.attribute("index")));
     return {.keep = false, .following = count > 0 ? copyRounds(element, rounds) : Chain{}};
 }
 
@@ -185,10 +209,9 @@ Chain Walk::copyRounds(const XMLElement &loop, LoopRounds &rounds)
     if (!isElement(loop.firstChild))
         return copies;
     do {
-        const MacroMap &macros = rounds.macros();
         for (const XMLNode *child = loop.firstChild; isElement(child); child = child->nextSibling) {
             copies.append(
-                document.copyElementExpanded(static_cast<const XMLElement *>(child), macros));
+                document.copyElementExpanded(static_cast<const XMLElement *>(child), rounds));
             if (hasGrownTooFar())
                 return copies;
         }

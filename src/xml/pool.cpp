@@ -1,5 +1,7 @@
 #include "pool.h"
 
+#include "blockmemory.h"
+
 #include <algorithm>
 #include <cstring>
 #include <memory>
@@ -39,10 +41,9 @@ Pool::Block *Pool::takeBlock(std::size_t wanted)
             return taken;
         }
     }
-    auto memory = std::unique_ptr<char[]>(new char[wanted]);
-    Block *made = new Block{nullptr, wanted, memory.get()};
-    (void)memory.release();  // owned by the block record from here on
-    return made;
+    auto made = std::make_unique<Block>(Block{nullptr, wanted, nullptr});
+    made->memory = takeBlockMemory(wanted);
+    return made.release();
 }
 
 void Pool::clear()

@@ -18,6 +18,26 @@ bool QXMLDocument::save(const QString &fileName, int spacesPerLevel)
 
 XMLElement *QXMLDocument::copyElementExpanded(const XMLElement *source, const MacroMap &macros)
 {
+    class Lookup : public MacroLookup
+    {
+    public:
+        explicit Lookup(const MacroMap *known) : map(*known) {}
+
+        const QString *find(const QString &name) override
+        {
+            const auto found = map.constFind(name);
+            return found == map.cend() ? nullptr : &found.value();
+        }
+
+    private:
+        const MacroMap &map;
+    };
+    Lookup lookup(&macros);
+    return copyElementExpanded(source, lookup);
+}
+
+XMLElement *QXMLDocument::copyElementExpanded(const XMLElement *source, MacroLookup &macros)
+{
     const auto copyOne = [&](const XMLNode *node) -> XMLNode * {
         if (node->kind() != XMLNode::Kind::Element)
             return nullptr;
@@ -26,18 +46,26 @@ XMLElement *QXMLDocument::copyElementExpanded(const XMLElement *source, const Ma
     return static_cast<XMLElement *>(copySubtree(source, copyOne));
 }
 
-XMLElement *QXMLDocument::copyOneExpanded(const XMLElement *source, const MacroMap &macros)
+XMLElement *QXMLDocument::copyOneExpanded(const XMLElement *source, MacroLookup &macros)
 {
     XMLElement *copy = createElement(source->name());
     XMLAttributeAppender copied(&copy->attributes());
     std::string expanded;
+    bool isLiteral = true;
     for (const XMLAttribute &attribute : source->attributes()) {
-        const std::string_view text = attribute.value ? attribute.value : "";
-        const char *value = nullptr;
-        if (globalMacros.expandLatin1(macros, text, false, &expanded))
-            value = copyString(expanded.data(), expanded.size());
+        std::string_view text = attribute.value ? attribute.value : "";
+        const bool hasReferences = !source->isLiteral() && text.find('$') != std::string_view::npos;
+        bool isNull = text.empty();
+        if (hasReferences) {
+            isNull = !globalMacros.expandLatin1(macros, text, &expanded);
+            text = expanded;
+            isLiteral = isLiteral && text.find('$') == std::string_view::npos;
+        }
+        const char *value = isNull ? nullptr : copyString(text.data(), text.size());
         copied.append(copyString(attribute.name, std::strlen(attribute.name)), value);
     }
+    if (isLiteral)
+        copy->setLiteral();
     return copy;
 }
 

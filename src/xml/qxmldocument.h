@@ -20,11 +20,12 @@ public:
     /// attribute value expanded; a null expansion gives an attribute without a value. The copy
     /// lies in the current pool, strings included, and is linked to nothing.
     XMLElement *copyElementExpanded(const XMLElement *source, const MacroMap &macros);
+    XMLElement *copyElementExpanded(const XMLElement *source, MacroLookup &macros);
 
     /// Expands in place each attribute value of \a element that holds a '$'. A value that its
     /// expansion equals keeps its pointer; a new one lies in the current pool.
     void expandAttributes(XMLElement *element, const MacroMap &macros);
 
 private:
-    XMLElement *copyOneExpanded(const XMLElement *source, const MacroMap &macros);
+    XMLElement *copyOneExpanded(const XMLElement *source, MacroLookup &macros);
 };
