@@ -23,6 +23,7 @@ CommandResult runCommand(const std::vector<std::string> &arguments, const std::s
     const pid_t child = fork();
     if (child == 0) {
         std::vector<char *> argv;
+        argv.reserve(arguments.size() + 1);
         for (const std::string &argument : arguments)
             argv.push_back(const_cast<char *>(argument.c_str()));
         argv.push_back(nullptr);

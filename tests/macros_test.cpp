@@ -166,7 +166,7 @@ TEST(Expansion, Ends)
 {
     std::string nested = "end";
     for (int i = 0; i < 100; ++i)
-        nested = "$(u:" + nested + ")";
+        nested.insert(0, "$(u:").append(")");
     EXPECT_EQ(expanded(nested, {}), "end");
     const auto expand = [](const std::string &text, const MacroMap &macros) {
         std::string result;

@@ -17,6 +17,7 @@ QString executablePath(const char *programName)
     if (_NSGetExecutablePath(path, &size) == 0)
         return QString::fromLatin1(path);
 #elif defined(__linux__)
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the vector has nothing but integers
     const auto *path = reinterpret_cast<const char *>(getauxval(AT_EXECFN));
     if (path && std::strlen(path) < largestSize)
         return QString::fromLatin1(path);

@@ -240,7 +240,7 @@ void Expansion<Char>::append(const QString &value)
     const std::size_t before = result.size();
     result.resize(before + static_cast<std::size_t>(value.size()));
     char16_t bits = 0;
-    const char16_t *from = reinterpret_cast<const char16_t *>(value.constData());
+    const auto *from = reinterpret_cast<const char16_t *>(value.constData());
     for (std::size_t i = before; i < result.size(); ++i, ++from) {
         bits |= *from;
         result[i] = static_cast<Char>(*from);

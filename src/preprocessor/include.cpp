@@ -53,9 +53,12 @@ Outcome Walk::handleInclude(XMLElement &element, Level &level)
     const bool isWrapper =
         element.hasAttribute("no_root") || std::strcmp(included->name(), "envelope") == 0;
     // In the document's own root's place there is room for one element only.
+    Outcome outcome{.scope = std::move(scope)};
     if (isWrapper && &element != firstRoot)
-        return {.replacement = included, .scope = std::move(scope)};
-    return {.standIn = included, .scope = std::move(scope)};
+        outcome.replacement = included;
+    else
+        outcome.standIn = included;
+    return outcome;
 }
 
 /// The root element of the file, which belongs to this document but is not linked to it. Null

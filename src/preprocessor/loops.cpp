@@ -3,6 +3,7 @@
 
 #include <QStringList>
 
+#include <ranges>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -127,10 +128,10 @@ public:
 
     bool advance() override
     {
-        for (auto list = lists.rbegin(); list != lists.rend(); ++list) {
-            if (++list->position < list->values.size())
+        for (List &list : std::views::reverse(lists)) {
+            if (++list.position < list.values.size())
                 return true;
-            list->position = 0;
+            list.position = 0;
         }
         return false;
     }

@@ -50,6 +50,7 @@ Walk::Walk(XMLPP2 *target)
 
 void Walk::run(XMLNode *node, Level level)
 {
+    level.home = node->parent;
     if (node == document.root) {
         walkChain(&document.root, level);
         checkRoot();
@@ -62,14 +63,16 @@ void Walk::run(XMLNode *node, Level level)
     walkChain(link, level);
 }
 
-void Walk::walkChain(XMLNode **link, Level &level)
+/// Returns the link at the end of the chain.
+XMLNode **Walk::walkChain(XMLNode **link, Level &level)
 {
-    while (*link && !stopped) {
-        if ((*link)->kind() != XMLNode::Kind::Element) {
-            link = &(*link)->nextSibling;
+    while (XMLNode *node = *link) {
+        node->parent = level.home;
+        if (node->kind() != XMLNode::Kind::Element || stopped) {
+            link = &node->nextSibling;
             continue;
         }
-        auto &element = static_cast<XMLElement &>(**link);
+        auto &element = static_cast<XMLElement &>(*node);
         if (level.expand)
             document.expandAttributes(&element, level.macros);
         if (const Directive *directive = findDirective(element.name())) {
@@ -78,10 +81,11 @@ void Walk::walkChain(XMLNode **link, Level &level)
                 link = apply(link, element, outcome, level);
         } else {
             if (!hasGrownTooFar())
-                walkOwnChildren(element, level);
+                walkOwnChildren(element, level, level.dissolving);
             link = &element.nextSibling;
         }
     }
+    return link;
 }
 
 /// Carries out what was decided about the element at \a link. Returns the link of the node that
@@ -93,46 +97,49 @@ XMLNode **Walk::apply(XMLNode **link, XMLElement &element, const Outcome &outcom
         outcome.standIn->parent = element.parent;
         *link = outcome.standIn;
     }
+    Dissolving dissolving{outcome.replacement, level.home};
     if (outcome.keep)
-        walkContent(element, outcome, level);
+        walkContent(element, outcome, level, &dissolving);
     if (outcome.standIn || (outcome.keep && !outcome.replacement))
         return &(*link)->nextSibling;
 
     // The element goes; what it leaves in its place is behind the walk, what follows is not.
     *link = element.nextSibling;
     if (outcome.following.first) {
-        adoptChain(element.parent, outcome.following.first, *link);
+        outcome.following.last->nextSibling = *link;
         *link = outcome.following.first;
     }
     XMLNode *remains = outcome.replacement ? outcome.replacement->firstChild : nullptr;
     if (!remains)
         return link;
-    XMLNode *last = adoptChain(element.parent, remains, *link);
+    if (!dissolving.end)
+        dissolving.end = &adoptChain(level.home, remains, nullptr)->nextSibling;
+    *dissolving.end = *link;
     *link = remains;
-    return &last->nextSibling;
+    return dissolving.end;
 }
 
-void Walk::walkContent(XMLElement &element, const Outcome &outcome, Level &level)
+void Walk::walkContent(XMLElement &element, const Outcome &outcome, Level &level,
+                       Dissolving *dissolving)
 {
     if (outcome.scope) {
         Scope &scope = *outcome.scope;
-        Level inner{scope.fileName, scope.macros, scope.expand, scope.includes};
-        walkChildren(outcome.standIn ? outcome.standIn : outcome.replacement, inner);
+        walkChildren(outcome.standIn ? outcome.standIn : outcome.replacement,
+                     {scope.fileName, scope.macros, scope.expand, scope.includes, dissolving});
     } else if (outcome.processChildren) {
-        walkOwnChildren(element, level);
+        walkOwnChildren(element, level, dissolving);
     }
 }
 
-void Walk::walkOwnChildren(XMLElement &element, const Level &level)
+void Walk::walkOwnChildren(XMLElement &element, const Level &level, Dissolving *dissolving)
 {
     if (!element.firstChild)
         return;
     MacroMap macros = level.macros;
-    Level inner{level.fileName, macros, level.expand, level.includes};
-    walkChildren(&element, inner);
+    walkChildren(&element, {level.fileName, macros, level.expand, level.includes, dissolving});
 }
 
-void Walk::walkChildren(XMLNode *parent, Level &level)
+void Walk::walkChildren(XMLNode *parent, Level level)
 {
     if (!parent->firstChild)
         return;
@@ -140,9 +147,13 @@ void Walk::walkChildren(XMLNode *parent, Level &level)
         reportAndStop(QStringLiteral("nested more than %1 levels deep").arg(limits.nestedLevels));
         return;
     }
+    const bool dissolves = level.dissolving && level.dissolving->node == parent;
+    level.home = dissolves ? level.dissolving->home : parent;
     ++depth;
-    walkChain(&parent->firstChild, level);
+    XMLNode **end = walkChain(&parent->firstChild, level);
     --depth;
+    if (dissolves)
+        level.dissolving->end = end;
 }
 
 /// What a directive leaves in the root's place must be a document again.

@@ -5,12 +5,23 @@
 #include <memory>
 #include <string>
 
+/// A node whose children are about to take the place of another one. They are given their new
+/// parent while they are walked and the end of their chain is kept, so that no splice walks the
+/// chain again, however many of them are nested in each other.
+struct Dissolving {
+    const XMLNode *node;
+    XMLNode *home;            ///< the new parent
+    XMLNode **end = nullptr;  ///< the link at the end of the children; null until they are walked
+};
+
 /// Where a chain of siblings stands.
 struct Level {
-    const QString &fileName;  ///< the file that holds it, as it was named
-    MacroMap &macros;         ///< the level's own map
-    bool expand;              ///< whether attribute values are expanded
-    int includes;             ///< how many includes it is nested in
+    const QString &fileName;           ///< the file that holds it, as it was named
+    MacroMap &macros;                  ///< the level's own map
+    bool expand;                       ///< whether attribute values are expanded
+    int includes;                      ///< how many includes it is nested in
+    Dissolving *dissolving = nullptr;  ///< what may be met among the chain's nodes or above them
+    XMLNode *home = nullptr;           ///< the parent that the chain's nodes will have
 };
 
 /// A level that content from elsewhere, an included file or a fragment, brings with it.
@@ -71,10 +82,11 @@ private:
     static const Directive directives[];
     static const Directive *findDirective(const char *tag);
 
-    void walkChain(XMLNode **link, Level &level);
-    void walkChildren(XMLNode *parent, Level &level);
-    void walkOwnChildren(XMLElement &element, const Level &level);
-    void walkContent(XMLElement &element, const Outcome &outcome, Level &level);
+    XMLNode **walkChain(XMLNode **link, Level &level);
+    void walkChildren(XMLNode *parent, Level level);
+    void walkOwnChildren(XMLElement &element, const Level &level, Dissolving *dissolving);
+    void walkContent(XMLElement &element, const Outcome &outcome, Level &level,
+                     Dissolving *dissolving);
     XMLNode **apply(XMLNode **link, XMLElement &element, const Outcome &outcome, Level &level);
     void checkRoot();
 

@@ -1,6 +1,6 @@
 #include "inputtext.h"
 
-#include <cstring>
+#include <algorithm>
 #include <string>
 
 namespace
@@ -47,8 +47,7 @@ char *readText(FILE *stream, Pool *pool)
         const std::string rest = readRest(stream);
         if (!rest.empty()) {
             char *whole = static_cast<char *>(pool->allocate(length + rest.size() + 1));
-            std::memcpy(whole, text, length);
-            std::memcpy(whole + length, rest.data(), rest.size());
+            std::copy(rest.begin(), rest.end(), std::copy_n(text, length, whole));
             text = whole;
             length += rest.size();
         }

@@ -28,7 +28,7 @@ std::string followLinks(std::string path)
         if (length < 0)
             return path;
         std::string next(link, static_cast<std::size_t>(length));
-        path = next.starts_with('/') ? next : directoryOf(path) + next;
+        path = next.starts_with('/') ? next : directoryOf(path).append(next);
     }
     return {};
 }

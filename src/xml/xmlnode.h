@@ -117,7 +117,7 @@ public:
 
     XMLAttribute *append(const char *name, const char *value)
     {
-        XMLAttribute *attribute = new XMLAttribute(name, value);
+        auto *attribute = new XMLAttribute(name, value);
         *link = attribute;
         link = &attribute->next;
         return attribute;
