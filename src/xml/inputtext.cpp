@@ -6,19 +6,20 @@
 namespace
 {
 
-/// Bytes from the start of the stream to its end, 0 when it cannot tell. Leaves it at its start.
+/// Bytes from the start of the stream to its end, 0 when it cannot tell. The position stays.
 std::size_t seekSize(FILE *stream)
 {
-    if (fseeko(stream, 0, SEEK_END) != 0)
+    const off_t position = ftello(stream);
+    if (position < 0 || fseeko(stream, 0, SEEK_END) != 0)
         return 0;
     const off_t end = ftello(stream);
-    return fseeko(stream, 0, SEEK_SET) == 0 && end > 0 ? static_cast<std::size_t>(end) : 0;
+    return fseeko(stream, position, SEEK_SET) == 0 && end > 0 ? static_cast<std::size_t>(end) : 0;
 }
 
 /// What is left, however long it is.
 std::string readRest(FILE *stream)
 {
-    constexpr std::size_t step = std::size_t{1} << 14;
+    constexpr std::size_t step = std::size_t{1} << 16;
     std::string rest;
     for (std::size_t got = step; got == step;) {
         const std::size_t before = rest.size();
@@ -29,29 +30,38 @@ std::string readRest(FILE *stream)
     return rest;
 }
 
+char *allocateText(std::size_t length, Pool *pool)
+{
+    char *text = static_cast<char *>(pool->allocate(length + 1));
+    text[length] = '\0';
+    return text;
+}
+
 }  // namespace
 
 char *readText(FILE *stream, Pool *pool)
 {
-    std::size_t size = seekSize(stream);
-    // A directory can be opened and names a size out of all reason; only reading tells.
-    const int first = std::getc(stream);
-    if (first == EOF)
-        size = 0;
-    else
-        std::ungetc(first, stream);
-    char *text = static_cast<char *>(pool->allocate(size + 1));
-    std::size_t length = std::fread(text, 1, size, stream);
-    if (length == size) {
+    // Most files end within the first piece, and a directory, which names a size out of all
+    // reason, fails with it.
+    char first[std::size_t{1} << 14];
+    const std::size_t firstLength = std::fread(first, 1, sizeof first, stream);
+    if (std::ferror(stream))
+        return nullptr;
+    const std::size_t size =
+        firstLength < sizeof first ? firstLength : std::max(seekSize(stream), firstLength);
+    char *text = allocateText(size, pool);
+    std::copy_n(first, firstLength, text);
+    const std::size_t length =
+        firstLength + std::fread(text + firstLength, 1, size - firstLength, stream);
+    text[length] = '\0';
+    if (length == size && !std::feof(stream)) {
         // A pipe cannot tell its size, and a file can have grown.
         const std::string rest = readRest(stream);
         if (!rest.empty()) {
-            char *whole = static_cast<char *>(pool->allocate(length + rest.size() + 1));
+            char *whole = allocateText(length + rest.size(), pool);
             std::copy(rest.begin(), rest.end(), std::copy_n(text, length, whole));
             text = whole;
-            length += rest.size();
         }
     }
-    text[length] = '\0';
     return std::ferror(stream) ? nullptr : text;
 }

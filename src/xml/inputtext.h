@@ -23,6 +23,6 @@ private:
     FILE *stream;
 };
 
-/// All that \a stream holds, with a NUL behind it, in \a pool. A stream that can be sought is
-/// read from its start, any other one from where it stands. Null when it cannot be read.
+/// All that \a stream holds from where it stands, with a NUL behind it, in \a pool. Null when it
+/// cannot be read.
 char *readText(FILE *stream, Pool *pool);

@@ -65,6 +65,16 @@ bool takeOver(int descriptor, const struct stat &old)
     return fchmod(descriptor, old.st_mode & 07777) == 0;
 }
 
+/// Swaps two files, where the system can and both are there.
+bool swapFiles(const std::string &left, const std::string &right)
+{
+#ifdef RENAME_EXCHANGE
+    return renameat2(AT_FDCWD, left.c_str(), AT_FDCWD, right.c_str(), RENAME_EXCHANGE) == 0;
+#else
+    return false;
+#endif
+}
+
 }  // namespace
 
 OutputFile::OutputFile(const char *fileName) : file(open(fileName))
@@ -140,8 +150,13 @@ bool OutputFile::commit()
         return false;
     if (temporary.empty())
         return true;
-    if (std::rename(temporary.c_str(), target.c_str()) != 0)
+    // Where a file is renamed over another, some file systems write it out to the disk at once,
+    // which takes longer than all the rest of a small run.
+    if (swapFiles(temporary, target)) {
+        unlink(temporary.c_str());
+    } else if (std::rename(temporary.c_str(), target.c_str()) != 0) {
         return false;
+    }
     temporary.clear();
     return true;
 }

@@ -76,20 +76,28 @@ bool XMLDocument::parseOwn(char *text)
 
 bool XMLDocument::read(FILE *stream)
 {
-    if (char *text = readText(stream, this))
-        return parseOwn(text);
-    errorLine = 0;
-    return fail("couldn't read", "");
+    fseeko(stream, 0, SEEK_SET);
+    return readOn(stream, "");
 }
 
 bool XMLDocument::load(const char *fileName)
 {
     const InputStream stream(openFile(QString::fromLatin1(fileName), "rb"));
-    errorLine = stream.get() ? errorLine : 0;
-    if (!stream.get())
-        return fail("couldn't read ", fileName);
-    const bool ok = read(stream.get());
-    return ok || !std::ferror(stream.get()) ? ok : fail("couldn't read ", fileName);
+    // What is read goes straight into the pool; a buffer of the stream's own would copy it.
+    if (stream.get())
+        std::setvbuf(stream.get(), nullptr, _IONBF, 0);
+    return readOn(stream.get(), fileName);
+}
+
+/// parse() with what \a stream, which can be null, holds from where it stands. \a fileName is
+/// only for the message.
+bool XMLDocument::readOn(FILE *stream, const char *fileName)
+{
+    char *text = stream ? readText(stream, this) : nullptr;
+    if (text)
+        return parseOwn(text);
+    errorLine = 0;
+    return fail("couldn't read ", fileName);
 }
 
 bool XMLDocument::write(FILE *stream, int spacesPerLevel)

@@ -68,5 +68,6 @@ private:
 
     XMLNode *copyOne(const XMLNode *source);
     bool parseOwn(char *text);
+    bool readOn(FILE *stream, const char *fileName);
     bool fail(const char *message, const char *fileName);
 };
