@@ -72,6 +72,7 @@ constexpr Arithmetic modulo = {
 };
 
 using Ordering = std::strong_ordering;
+using enum BinaryOperator;
 
 /// A row has either what the operator computes or which orderings of its operands make it true;
 /// the shifts, whose operands are not converted, have neither.
@@ -82,28 +83,26 @@ struct Operator {
     bool (*accepts)(Ordering) = nullptr;
 };
 
-// clang-format off
 constexpr Operator operators[] = {
-    {BinaryOperator::Lt, "LtExpression"_L1, nullptr, [](Ordering order) { return order < 0; }},
-    {BinaryOperator::Le, "LeExpression"_L1, nullptr, [](Ordering order) { return order <= 0; }},
-    {BinaryOperator::Gt, "GtExpression"_L1, nullptr, [](Ordering order) { return order > 0; }},
-    {BinaryOperator::Ge, "GeExpression"_L1, nullptr, [](Ordering order) { return order >= 0; }},
-    {BinaryOperator::Eq, "EqExpression"_L1, nullptr, [](Ordering order) { return order == 0; }},
-    {BinaryOperator::Ne, "NeExpression"_L1, nullptr, [](Ordering order) { return order != 0; }},
-    {BinaryOperator::LogicalAnd, "LogicalAndExpression"_L1, &onIntegers<std::logical_and>},
-    {BinaryOperator::LogicalOr, "LogicalOrExpression"_L1, &onIntegers<std::logical_or>},
-    {BinaryOperator::Plus, "PlusExpression"_L1, &onNumbers<std::plus>},
-    {BinaryOperator::Minus, "MinusExpression"_L1, &onNumbers<std::minus>},
-    {BinaryOperator::Multiply, "MultiplyExpression"_L1, &onNumbers<std::multiplies>},
-    {BinaryOperator::Divide, "DivideExpression"_L1, &division},
-    {BinaryOperator::Mod, "ModExpression"_L1, &modulo},
-    {BinaryOperator::Rshift, "RshiftExpression"_L1},
-    {BinaryOperator::Lshift, "LshiftExpression"_L1},
-    {BinaryOperator::BitAnd, "BitAndExpression"_L1, &onIntegers<std::bit_and>},
-    {BinaryOperator::BitXor, "BitXorExpression"_L1, &onIntegers<std::bit_xor>},
-    {BinaryOperator::BitOr, "BitOrExpression"_L1, &onIntegers<std::bit_or>},
+    {Lt, "LtExpression"_L1, nullptr, [](Ordering order) { return std::is_lt(order); }},
+    {Le, "LeExpression"_L1, nullptr, [](Ordering order) { return std::is_lteq(order); }},
+    {Gt, "GtExpression"_L1, nullptr, [](Ordering order) { return std::is_gt(order); }},
+    {Ge, "GeExpression"_L1, nullptr, [](Ordering order) { return std::is_gteq(order); }},
+    {Eq, "EqExpression"_L1, nullptr, [](Ordering order) { return std::is_eq(order); }},
+    {Ne, "NeExpression"_L1, nullptr, [](Ordering order) { return std::is_neq(order); }},
+    {LogicalAnd, "LogicalAndExpression"_L1, &onIntegers<std::logical_and>},
+    {LogicalOr, "LogicalOrExpression"_L1, &onIntegers<std::logical_or>},
+    {Plus, "PlusExpression"_L1, &onNumbers<std::plus>},
+    {Minus, "MinusExpression"_L1, &onNumbers<std::minus>},
+    {Multiply, "MultiplyExpression"_L1, &onNumbers<std::multiplies>},
+    {Divide, "DivideExpression"_L1, &division},
+    {Mod, "ModExpression"_L1, &modulo},
+    {Rshift, "RshiftExpression"_L1},
+    {Lshift, "LshiftExpression"_L1},
+    {BitAnd, "BitAndExpression"_L1, &onIntegers<std::bit_and>},
+    {BitXor, "BitXorExpression"_L1, &onIntegers<std::bit_xor>},
+    {BitOr, "BitOrExpression"_L1, &onIntegers<std::bit_or>},
 };
-// clang-format on
 
 constexpr bool rowsAreInOrder()
 {

@@ -36,7 +36,9 @@ ExpressionValue evaluateObject(const Expression &node, QLatin1StringView message
 ExpressionValue evaluatePlain(const Expression &node, ExpressionParser *parser)
 {
     ExpressionValue value = node.evaluate();
-    return value.isObject() ? parser->objectValue(value.object.get()) : value;
+    if (value.isObject())
+        value = parser->objectValue(value.object.get());
+    return value;
 }
 
 }  // namespace
@@ -173,7 +175,7 @@ ExpressionValue AddressofLineExpression::evaluate() const
 
 void AddressofLineExpression::dumpTo(QString &text) const
 {
-    text += "addressof(\""_L1 + fileName + "\", "_L1 + QString::number(line) + u')';
+    text += "addressof("_L1 + u'"' + fileName + u'"' + ", "_L1 + QString::number(line) + u')';
 }
 
 CastExpression::CastExpression(std::unique_ptr<BaseType> target,

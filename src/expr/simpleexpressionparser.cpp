@@ -16,10 +16,12 @@ ExpressionValue evaluateWanted(ExpressionParser *parser, const char *text,
     try {
         ExpressionValue value = parser->evaluate(text);
         *ok = (value.*isWanted)();
-        return *ok ? value : ExpressionValue();
+        if (*ok)
+            return value;
     } catch (const ParserException &) {
-        return {};  // the caller decides what a missing value means
+        // No value either; the caller decides what that means.
     }
+    return {};
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "unaryoperators.h"
 
 #include <algorithm>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 

@@ -52,9 +52,11 @@ TreeParser::Type TreeParser::parseCastType()
 {
     if (lexer.kind() != Token::Identifier)
         return nullptr;
-    Type type = lexer.tokenIs("struct")     ? parseStructType()
-                : lexer.tokenIs("register") ? parseRegisterType()
-                                            : parseSimpleType();
+    if (lexer.tokenIs("struct"))
+        return parseTypeSuffixes(parseStructType());
+    if (lexer.tokenIs("register"))
+        return parseTypeSuffixes(parseRegisterType());
+    Type type = parseSimpleType();
     return type ? parseTypeSuffixes(std::move(type)) : nullptr;
 }
 
@@ -120,7 +122,6 @@ TreeParser::Type TreeParser::parseStructFields()
     advancePast(Token::LeftBrace, "'{' expected"_L1);
     std::vector<StructType::Field> fields;
     while (lexer.kind() != Token::RightBrace) {
-        charge(1);
         StructType::Field &field = fields.emplace_back();
         field.type = parseSimpleType();
         if (!field.type)

@@ -28,7 +28,7 @@ const Notation *findNotation(int base)
 QString characterText(quint16 code)
 {
     if (code >= 32 && code <= 126)
-        return QString(QChar(code));
+        return {QChar(code)};
     return QString::asprintf("\\u%04x", static_cast<unsigned int>(code));
 }
 

@@ -96,6 +96,8 @@ FILE *OutputFile::open(const char *fileName)
 {
     struct stat old = {};
     const bool exists = stat(fileName, &old) == 0;
+    if (!exists && errno != ENOENT)
+        return nullptr;
     if (exists && !S_ISREG(old.st_mode))
         return openInPlace(fileName);
     // Behind a name like /dev/stdout is a file that others go on writing to: what is put in its

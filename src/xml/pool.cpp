@@ -68,8 +68,10 @@ Pool *Pool::setCurrent(Pool *pool)
     return previous;
 }
 
-Pool *Pool::makeDefaultPool()
+Pool *Pool::useDefaultPool()
 {
-    currentPool = new Pool;
+    // Never destroyed: objects that outlive main() can lie in it.
+    static Pool *defaultPool = new Pool;
+    currentPool = defaultPool;
     return currentPool;
 }

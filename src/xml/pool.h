@@ -40,7 +40,7 @@ public:
     /// current when there is none.
     static void *allocateCurrent(std::size_t size)
     {
-        return (currentPool ? currentPool : makeDefaultPool())->allocate(size);
+        return (currentPool ? currentPool : useDefaultPool())->allocate(size);
     }
 
 private:
@@ -53,7 +53,7 @@ private:
     static constexpr std::size_t smallestBlock = 8192;
     static std::size_t roundUp(std::size_t size) { return (size + 7) & ~std::size_t{7}; }
     static Block *takeBlock(std::size_t wanted);
-    static Pool *makeDefaultPool();
+    static Pool *useDefaultPool();
     void *allocateFromNextBlock(std::size_t size);
 
     static Block *freeBlocks;

@@ -1,0 +1,82 @@
+// The whole preprocessor over files in memory. The input is written as a case of tests/cases:
+// a line "--- file NAME" begins a file, "--- args" the macro list, any other "--- " a section
+// that does not count. What stands before the first of them is the file in.xml.
+
+#include "check.h"
+#include "openfile.h"
+#include "xmlpp2.h"
+
+#include <map>
+#include <new>
+#include <sstream>
+
+namespace
+{
+
+std::map<std::string, std::string> files;
+
+class FuzzedDocument : public XMLPP2
+{
+public:
+    /// As in the command, the first error ends the run.
+    [[noreturn]] void reportError(const QString &) override { throw std::bad_alloc(); }
+};
+
+/// The name without the "./" that every include adds.
+std::string cleaned(std::string name)
+{
+    while (name.starts_with("./"))
+        name.erase(0, 2);
+    return name;
+}
+
+std::string readFiles(const std::string &input)
+{
+    files.clear();
+    std::string arguments;
+    std::string ignored;
+    std::string *section = &files["in.xml"];
+    std::istringstream lines(input);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with("--- file "))
+            section = &files[cleaned(line.substr(9))];
+        else if (line.starts_with("--- "))
+            section = line == "--- args" ? &arguments : &ignored;
+        else
+            *section += line + '\n';
+    }
+    return arguments.substr(0, arguments.find('\n'));
+}
+
+}  // namespace
+
+FILE *openFile(const QString &name, const char *mode)
+{
+    const auto file = files.find(cleaned(name.toStdString()));
+    return file == files.end() ? nullptr : fmemopen(file->second.data(), file->second.size(), mode);
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const std::string input(reinterpret_cast<const char *>(data), size);
+    const QString macros = QString::fromLatin1(readFiles(input));
+    for (const bool expand : {true, false}) {
+        FuzzedDocument document;
+        document.limits.nestedLevels = 60;
+        document.limits.nestedIncludes = 8;
+        document.limits.loopRounds = 40;
+        document.limits.growth = 1 << 17;
+        bool isDone = false;
+        isMemoryShort = true;
+        try {
+            isDone = document.preprocessFile(QStringLiteral("in.xml"), macros, expand);
+        } catch (const std::bad_alloc &) {
+            // An error, or the end of memory: legal ends.
+        }
+        isMemoryShort = false;
+        // An inherited attribute can be called anything.
+        if (isDone && input.find("inherit_attributes") == std::string::npos)
+            requireStable(&document, 2);
+    }
+    return 0;
+}
