@@ -1,5 +1,6 @@
 #include "installationdirectory.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <string>

@@ -54,7 +54,7 @@ void prepareProcess()
 int run(int argc, char **argv)
 {
     const char *programName = argc > 0 ? argv[0] : "xmlpp";
-    initInstallationDirectory(executablePath(programName).toLatin1().constData(), 1);
+    initInstallationDirectory(executablePath().toLatin1().constData(), 1);
     if (argc < 3) {
         std::fprintf(stderr, "%s: <infile> <outfile> [macro1=value;macro2=value;..]\n",
                      programName);

@@ -9,35 +9,6 @@
 namespace
 {
 
-constexpr int mostPasses = 1000;
-constexpr std::size_t mostRescanned = std::size_t{64} << 20;
-constexpr std::size_t longestExpansion = std::size_t{64} << 20;
-
-/// A level's macros and, where they count, the system macros behind them.
-class MapLookup : public MacroLookup
-{
-public:
-    MapLookup(const MacroMap *levelMacros, const MacroMap *systemMacros)
-        : level(*levelMacros),
-          system(systemMacros)
-    {
-    }
-
-    const QString *find(const QString &name) override
-    {
-        auto found = level.constFind(name);
-        if (found != level.cend())
-            return &found.value();
-        if (!system || (found = system->constFind(name)) == system->cend())
-            return nullptr;
-        return &found.value();
-    }
-
-private:
-    const MacroMap &level;
-    const MacroMap *system;
-};
-
 /// Thrown by an 8-bit expansion that meets a value with a character above 0xFF.
 struct NotLatin1 {
 };
@@ -50,9 +21,10 @@ public:
     using Text = std::basic_string<Char>;
     using View = std::basic_string_view<Char>;
 
-    Expansion(MacroLookup *lookup, char introducerByte, Text *target)
+    Expansion(MacroLookup *lookup, const MacroValues &values, Text *target)
         : macros(*lookup),
-          introducer(static_cast<Char>(introducerByte)),
+          introducer(static_cast<Char>(values.macroIntroducer)),
+          limits(values.limits),
           result(*target)
     {
         result.clear();
@@ -61,13 +33,14 @@ public:
     /// Leaves the expansion of \a text in the target; true unless it is the null text.
     bool run(View text)
     {
-        longest = std::max(longestExpansion, text.size());
+        longest = std::max(limits.length, text.size());
         runPass(text);
         if (!rescan || result == text)
             return !isNull;
         Text working;
         std::size_t rescanned = 0;
-        for (int passes = 1; rescan && passes < mostPasses && rescanned < mostRescanned; ++passes) {
+        for (int passes = 1; rescan && passes < limits.passes && rescanned < limits.rescanned;
+             ++passes) {
             working.swap(result);
             result.clear();
             rescanned += working.size();
@@ -90,6 +63,7 @@ private:
 
     MacroLookup &macros;
     const Char introducer;
+    const MacroValues::Limits &limits;
     Text &result;
     std::size_t longest = 0;
     bool isNull = true;
@@ -263,7 +237,7 @@ QString MacroValues::expandMacros(const MacroMap &macros, const QString &text,
 QString MacroValues::expand(MacroLookup &macros, const QString &text) const
 {
     std::u16string result;
-    Expansion<char16_t> expansion(&macros, macroIntroducer, &result);
+    Expansion<char16_t> expansion(&macros, *this, &result);
     if (!expansion.run({reinterpret_cast<const char16_t *>(text.constData()),
                         static_cast<std::size_t>(text.size())}))
         return {};
@@ -282,7 +256,7 @@ bool MacroValues::expandLatin1(MacroLookup &macros, std::string_view text,
                                std::string *result) const
 {
     try {
-        return Expansion<char>(&macros, macroIntroducer, result).run(text);
+        return Expansion<char>(&macros, *this, result).run(text);
     } catch (const NotLatin1 &) {
         const QString wide =
             expand(macros, QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size())));

@@ -14,6 +14,16 @@ MacroKey::MacroKey(std::string_view name)
                                static_cast<qsizetype>(name.size()));
 }
 
+const QString *MapLookup::find(const QString &name)
+{
+    auto found = first.constFind(name);
+    if (found != first.cend())
+        return &found.value();
+    if (!second || (found = second->constFind(name)) == second->cend())
+        return nullptr;
+    return &found.value();
+}
+
 const QString *findMacro(const MacroMap &macros, const char *name)
 {
     const MacroKey key(name ? std::string_view(name) : std::string_view());

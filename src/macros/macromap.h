@@ -3,6 +3,7 @@
 #include <QMap>
 #include <QString>
 
+#include <cstddef>
 #include <string_view>
 
 /// Macro values by name, ordered by the UTF-16 code units of the names. Names are
@@ -37,6 +38,23 @@ public:
 
     /// The value of the macro \a name, null when there is none. Valid until the next call.
     virtual const QString *find(const QString &name) = 0;
+};
+
+/// Looks names up in a map and then, if there is one, in a second.
+class MapLookup : public MacroLookup
+{
+public:
+    explicit MapLookup(const MacroMap *firstMap, const MacroMap *secondMap = nullptr)
+        : first(*firstMap),
+          second(secondMap)
+    {
+    }
+
+    const QString *find(const QString &name) override;
+
+private:
+    const MacroMap &first;
+    const MacroMap *second;
 };
 
 /// The value of the macro \a name (Latin-1, null meaning the empty name), null when \a macros

@@ -57,11 +57,19 @@ public:
     /// The same with names that only \a macros knows.
     bool expandLatin1(MacroLookup &macros, std::string_view text, std::string *result) const;
 
+    /// What bounds an expansion.
+    struct Limits {
+        int passes = 1000;
+        std::size_t rescanned = std::size_t{64} << 20;  ///< characters, of all further passes
+        std::size_t length = std::size_t{64} << 20;     ///< characters, unless the text has more
+    };
+
+    MacroMap systemMacros;       ///< changed by setSystemMacro() only
+    char macroIntroducer = '$';  ///< never changed
+    Limits limits;
+
 private:
     QString expand(MacroLookup &macros, const QString &text) const;
-
-    MacroMap systemMacros;
-    char macroIntroducer = '$';
 };
 
 /// The one MacroValues of the process: there before main() is entered, changed only by main().

@@ -23,7 +23,7 @@ Outcome Walk::unwrapByAttribute(XMLElement &element, Level &level, bool wanted)
         report(QStringLiteral("one condition required for <if[not]>"));
         return Outcome::ordinary();
     }
-    const bool matches = hasAlternative(condition->value, lookUp(level, condition->name));
+    const bool matches = hasAlternative(condition->value, lookUpOrDefine(level, condition->name));
     return Outcome::unwrapIf(matches == wanted, element);
 }
 
@@ -52,7 +52,7 @@ Outcome Walk::handleIfndef(XMLElement &element, Level &level)
 /// settled before the children are walked, so alternatives count as they are written.
 Outcome Walk::handleSwitch(XMLElement &element, Level &level)
 {
-    const QString value = lookUp(level, element.attribute("name"));
+    const QString value = lookUpOrDefine(level, element.attribute("name"));
     XMLNode *selected = nullptr;
     for (XMLNode *child = element.firstChild; child; child = child->nextSibling) {
         if (child->kind() != XMLNode::Kind::Element)

@@ -1,17 +1,6 @@
+#include "hexadecimal.h"
 #include "simpleexpressionparser.h"
 #include "walk.h"
-
-namespace
-{
-
-/// The low 32 bits of \a value, as "0x" and upper-case digits or in decimal.
-QString format(std::uint32_t value, bool isHex)
-{
-    return isHex ? QStringLiteral("0x") + QString::number(value, 16).toUpper()
-                 : QString::number(value);
-}
-
-}  // namespace
 
 Outcome Walk::handleDefine(XMLElement &element, Level &level)
 {
@@ -28,8 +17,9 @@ Outcome Walk::handleDefine(XMLElement &element, Level &level)
         SimpleExpressionParser parser;
         bool ok = false;
         const quint64 value = parser.evaluateUnsigned(expanded(level, text).c_str(), &ok);
+        const auto number = static_cast<std::uint32_t>(value);
         if (ok)
-            level.macros.insert(name, format(static_cast<std::uint32_t>(value), isHex));
+            level.macros.insert(name, isHex ? toHexadecimal(number) : QString::number(number));
     } else {
         report(QStringLiteral("missing value or expression in <define>"));
     }

@@ -3,20 +3,33 @@
 #include "walk.h"
 
 #include <cstring>
+#include <string_view>
+#include <unordered_map>
 
 namespace
 {
 
 /// Sets on \a target the attributes of \a source that \a list names, separated by ';', in that
-/// order. One that the source does not have is set without a value.
+/// order. One that the source does not have is set without a value. Names are looked up through
+/// indexes, however many there are.
 void inheritAttributes(const XMLElement &source, const char *list, XMLElement *target)
 {
+    std::unordered_map<std::string_view, const char *> values;
+    for (const XMLAttribute &attribute : source.attributes())
+        values.emplace(attribute.name, attribute.value);
+    std::unordered_map<std::string_view, XMLAttribute *> present;
+    for (XMLAttribute &attribute : target->attributes())
+        present.emplace(attribute.name, &attribute);
+    XMLAttributeAppender appender(&target->attributes());
     for (;;) {
         const std::size_t length = std::strcspn(list, ";");
-        if (length > 0) {
-            const char *name = XMLDocument::copyString(list, length);
-            target->setAttribute(name, source.attribute(name));
-        }
+        const auto value = values.find({list, length});
+        const char *inherited = value == values.end() ? nullptr : value->second;
+        const auto [entry, isNew] = present.try_emplace({list, length}, nullptr);
+        if (length > 0 && isNew)
+            entry->second = appender.append(XMLDocument::copyString(list, length), inherited);
+        else if (length > 0)
+            entry->second->value = inherited;
         if (list[length] == '\0')
             return;
         list += length + 1;

@@ -1,8 +1,12 @@
+#include "hexadecimal.h"
 #include "simpleexpressionparser.h"
 #include "walk.h"
 
+#include <QHash>
 #include <QStringList>
 
+#include <algorithm>
+#include <cstdint>
 #include <ranges>
 #include <vector>
 
@@ -16,9 +20,6 @@ public:
     virtual bool advance() = 0;
 };
 
-namespace
-{
-
 /// <for>: a counter that wraps at 2^32, and what is derived from it.
 class CountedRounds : public LoopRounds
 {
@@ -29,13 +30,19 @@ public:
     std::uint32_t factor = 1;
     std::uint32_t offset = 0;
 
-    /// The number of rounds, \a most + 1 if there are more than \a most.
+    /// The number of rounds, \a most + 1 if there are more than \a most. The step is not 0.
     unsigned count(unsigned most) const
     {
-        unsigned rounds = 0;
-        for (std::uint32_t i = start; i < end && rounds <= most; i += step)
-            ++rounds;
-        return rounds;
+        if (start >= end)
+            return 0;
+        const std::uint64_t rounds = (std::uint64_t{end} - start + step - 1) / step;
+        if (start + rounds * step <= UINT32_MAX)
+            return static_cast<unsigned>(std::min<std::uint64_t>(rounds, std::uint64_t{most} + 1));
+        // A step that wraps begins again somewhere below the end, so only counting tells.
+        unsigned counted = 0;
+        for (std::uint32_t i = start; i < end && counted <= most; i += step)
+            ++counted;
+        return counted;
     }
 
     void begin(const QString &index)
@@ -67,18 +74,13 @@ private:
     QString value;
 };
 
-QString hex(std::uint32_t value)
-{
-    return QStringLiteral("0x") + QString::number(value, 16).toUpper();
-}
-
 const CountedRounds::Derived CountedRounds::derivedMacros[] = {
     {""_L1, [](std::uint32_t i, std::uint32_t) { return QString::number(i); }},
     {"_alpha"_L1,
      [](std::uint32_t i, std::uint32_t) { return QString(QChar(static_cast<char16_t>(i + 65))); }},
-    {"_hex"_L1, [](std::uint32_t i, std::uint32_t) { return hex(i); }},
+    {"_hex"_L1, [](std::uint32_t i, std::uint32_t) { return toHexadecimal(i); }},
     {"_ap"_L1, [](std::uint32_t, std::uint32_t ap) { return QString::number(ap); }},
-    {"_ap_hex"_L1, [](std::uint32_t, std::uint32_t ap) { return hex(ap); }},
+    {"_ap_hex"_L1, [](std::uint32_t, std::uint32_t ap) { return toHexadecimal(ap); }},
 };
 
 const QString *CountedRounds::find(const QString &name)
@@ -95,60 +97,86 @@ const QString *CountedRounds::find(const QString &name)
     return nullptr;
 }
 
+namespace
+{
+
 /// <foreach>: all combinations of one value from each list, the last list varying fastest.
 class CombinedRounds : public LoopRounds
 {
 public:
     void addList(const QString &name, const QString &values)
     {
-        lists.push_back({name, values.split(u',', Qt::SkipEmptyParts), 0});
+        const QStringList list = values.split(u',', Qt::SkipEmptyParts);
+        positions.insert(name, lists.size());
+        if (list.size() != 1)
+            varying.push_back(lists.size());
+        lists.push_back({list, 0});
     }
 
     /// The number of combinations, \a most + 1 if there are more than \a most.
     unsigned count(unsigned most) const
     {
-        quint64 product = 1;
+        std::uint64_t product = 1;
         bool isEmpty = false;
         for (const List &list : lists) {
             isEmpty = isEmpty || list.values.isEmpty();
-            product = std::min<quint64>(product * static_cast<quint64>(list.values.size()),
-                                        quint64{most} + 1);
+            product = std::min<std::uint64_t>(
+                product * static_cast<std::uint64_t>(list.values.size()), std::uint64_t{most} + 1);
         }
         return isEmpty ? 0 : static_cast<unsigned>(product);
     }
 
     const QString *find(const QString &name) override
     {
-        for (const List &list : lists) {
-            if (list.name == name)
-                return &list.values[list.position];
-        }
-        return nullptr;
+        const auto position = positions.constFind(name);
+        if (position == positions.cend())
+            return nullptr;
+        const List &list = lists[*position];
+        return &list.values[list.current];
     }
 
     bool advance() override
     {
-        for (List &list : std::views::reverse(lists)) {
-            if (++list.position < list.values.size())
+        for (const std::size_t index : std::views::reverse(varying)) {
+            List &list = lists[index];
+            if (++list.current < list.values.size())
                 return true;
-            list.position = 0;
+            list.current = 0;
         }
         return false;
     }
 
 private:
     struct List {
-        QString name;
         QStringList values;
-        qsizetype position;
+        qsizetype current;
     };
 
     std::vector<List> lists;
+    std::vector<std::size_t> varying;  ///< the lists that do not have just one value
+    QHash<QString, std::size_t> positions;
 };
 
 }  // namespace
 
 Outcome Walk::handleFor(XMLElement &element, Level &level)
+{
+    const bool isComplete = element.hasAttribute("index") && element.hasAttribute("start") &&
+                            element.hasAttribute("end") && element.hasAttribute("incr") &&
+                            element.firstChild;
+    CountedRounds rounds;
+    if (isComplete)
+        readRounds(element, level, &rounds);
+    if (!isComplete || (rounds.step == 0 && rounds.start < rounds.end)) {
+        report(QStringLiteral("<for index=\"i\" start=\"0\" end=\"32\" incr=\"1\">"));
+        return Outcome::remove();
+    }
+    rounds.begin(QString::fromLatin1(element.attribute("index")));
+    return {.keep = false,
+            .following = copyRounds(element, rounds.count(limits.loopRounds), &rounds)};
+}
+
+void Walk::readRounds(const XMLElement &element, const Level &level, CountedRounds *rounds)
 {
     SimpleExpressionParser parser;
     bool ok = false;
@@ -159,32 +187,15 @@ Outcome Walk::handleFor(XMLElement &element, Level &level)
         const std::string text = expanded(level, element.attribute(name));
         return static_cast<std::uint32_t>(parser.evaluateSigned(text.c_str(), &ok));
     };
-    const bool isComplete = element.hasAttribute("index") && element.hasAttribute("start") &&
-                            element.hasAttribute("end") && element.hasAttribute("incr") &&
-                            element.firstChild;
-    CountedRounds rounds;
-    if (isComplete) {
-        if (element.hasAttribute("add"))
-            rounds.offset = derived("add");
-        else if (element.hasAttribute("sub"))
-            rounds.offset = 0 - derived("sub");
-        if (element.hasAttribute("mul"))
-            rounds.factor = derived("mul");
-        rounds.start = bound("start");
-        rounds.end = bound("end");
-        rounds.step = bound("incr");
-    }
-    if (!isComplete || (rounds.step == 0 && rounds.start < rounds.end)) {
-        report(QStringLiteral("<for index=\"i\" start=\"0\" end=\"32\" incr=\"1\">"));
-        return Outcome::remove();
-    }
-    const unsigned count = rounds.count(limits.loopRounds);
-    if (count > limits.loopRounds) {
-        report(QStringLiteral("more than %1 rounds in <for>").arg(limits.loopRounds));
-        return Outcome::remove();
-    }
-    rounds.begin(QString::fromLatin1(element.attribute("index")));
-    return {.keep = false, .following = count > 0 ? copyRounds(element, rounds) : Chain{}};
+    if (element.hasAttribute("add"))
+        rounds->offset = derived("add");
+    else if (element.hasAttribute("sub"))
+        rounds->offset = 0 - derived("sub");
+    if (element.hasAttribute("mul"))
+        rounds->factor = derived("mul");
+    rounds->start = bound("start");
+    rounds->end = bound("end");
+    rounds->step = bound("incr");
 }
 
 Outcome Walk::handleForeach(XMLElement &element, Level &)
@@ -192,30 +203,32 @@ Outcome Walk::handleForeach(XMLElement &element, Level &)
     CombinedRounds rounds;
     for (const XMLAttribute &attribute : element.attributes())
         rounds.addList(QString::fromLatin1(attribute.name), QString::fromLatin1(attribute.value));
-    const unsigned count = rounds.count(limits.loopRounds);
-    if (count > limits.loopRounds) {
-        report(QStringLiteral("more than %1 rounds in <foreach>").arg(limits.loopRounds));
-        return Outcome::remove();
-    }
-    return {.keep = false, .following = count > 0 ? copyRounds(element, rounds) : Chain{}};
+    return {.keep = false,
+            .following = copyRounds(element, rounds.count(limits.loopRounds), &rounds)};
 }
 
-/// Copies of the loop's children, up to the first that is no element, for every round.
-Chain Walk::copyRounds(const XMLElement &loop, LoopRounds &rounds)
+/// Copies of the loop's children, up to the first that is no element, for each of \a count
+/// rounds. None, after an error was reported, when those are too many.
+Chain Walk::copyRounds(const XMLElement &loop, unsigned count, LoopRounds *rounds)
 {
     Chain copies;
+    if (count > limits.loopRounds) {
+        report(QStringLiteral("more than %1 rounds in <").arg(limits.loopRounds) +
+               QString::fromLatin1(loop.name()) + u'>');
+        return copies;
+    }
     const auto isElement = [](const XMLNode *node) {
         return node && node->kind() == XMLNode::Kind::Element;
     };
-    if (!isElement(loop.firstChild))
+    if (count == 0 || !isElement(loop.firstChild))
         return copies;
     do {
         for (const XMLNode *child = loop.firstChild; isElement(child); child = child->nextSibling) {
             copies.append(
-                document.copyElementExpanded(static_cast<const XMLElement *>(child), rounds));
-            if (hasGrownTooFar())
+                document.copyElementExpanded(static_cast<const XMLElement *>(child), *rounds));
+            if (stopIfGrownTooFar())
                 return copies;
         }
-    } while (rounds.advance());
+    } while (rounds->advance());
     return copies;
 }

@@ -77,10 +77,10 @@ XMLNode **Walk::walkChain(XMLNode **link, Level &level)
             document.expandAttributes(&element, level.macros);
         if (const Directive *directive = findDirective(element.name())) {
             const Outcome outcome = (this->*directive->handler)(element, level);
-            if (!hasGrownTooFar())
+            if (!stopIfGrownTooFar())
                 link = apply(link, element, outcome, level);
         } else {
-            if (!hasGrownTooFar())
+            if (!stopIfGrownTooFar())
                 walkOwnChildren(element, level, level.dissolving);
             link = &element.nextSibling;
         }
@@ -164,7 +164,7 @@ void Walk::checkRoot()
         report(QStringLiteral("the document needs exactly one root element"));
 }
 
-QString Walk::lookUp(Level &level, const char *name)
+QString Walk::lookUpOrDefine(Level &level, const char *name)
 {
     if (const QString *value = findMacro(level.macros, name))
         return *value;

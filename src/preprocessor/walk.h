@@ -105,10 +105,11 @@ private:
 
     Outcome unwrapByAttribute(XMLElement &element, Level &level, bool wanted);
     XMLElement *loadInclude(const QString &path);
-    Chain copyRounds(const XMLElement &loop, class LoopRounds &rounds);
+    void readRounds(const XMLElement &element, const Level &level, class CountedRounds *rounds);
+    Chain copyRounds(const XMLElement &loop, unsigned count, class LoopRounds *rounds);
 
     /// The value of a macro, which becomes defined as empty when it is not defined yet.
-    static QString lookUp(Level &level, const char *name);
+    static QString lookUpOrDefine(Level &level, const char *name);
     static std::string expanded(const Level &level, const char *text);
     static std::unique_ptr<Scope> contentScope(const XMLElement &directive, const Level &level,
                                                const QString &fileName);
@@ -118,8 +119,9 @@ private:
     void reportAndStop(const QString &message);
     void reportGrowth();
 
-    /// Whether the walk is to end, for its growth or for what was met before.
-    bool hasGrownTooFar()
+    /// Ends the walk with an error when the document has grown too far. Whether the walk is to
+    /// end, for that or for what was met before.
+    bool stopIfGrownTooFar()
     {
         if (!stopped && document.bytesUsed() - bytesAtStart > limits.growth)
             reportGrowth();

@@ -53,16 +53,25 @@ bool noFileCanBeMade(int error)
            error == ENAMETOOLONG;
 }
 
-/// Gives the new file the owner, where that is allowed, and the mode of the old one.
+/// Gives the new file the owner and the group of the old one, as far as that is allowed, and its
+/// mode. The bits that lend an owner's or a group's rights go where that one could not be kept.
 bool takeOver(int descriptor, const struct stat &old)
 {
     struct stat made = {};
     if (fstat(descriptor, &made) != 0)
         return false;
-    const bool sameOwner = made.st_uid == old.st_uid && made.st_gid == old.st_gid;
-    if (!sameOwner && fchown(descriptor, old.st_uid, old.st_gid) != 0 && errno != EPERM)
-        return false;
-    return fchmod(descriptor, old.st_mode & 07777) == 0;
+    bool isOwned = true;
+    if (made.st_gid != old.st_gid)
+        isOwned = fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) == 0;
+    if (made.st_uid != old.st_uid)
+        isOwned = fchown(descriptor, old.st_uid, static_cast<gid_t>(-1)) == 0 && isOwned;
+    return fchmod(descriptor, old.st_mode & (isOwned ? 07777 : 0777)) == 0;
+}
+
+/// Whether \a name is one under which the system shows open descriptors.
+bool namesDescriptor(const std::string &name)
+{
+    return name.starts_with("/dev/") || name.starts_with("/proc/");
 }
 
 /// Swaps two files, where the system can and both are there.
@@ -100,11 +109,11 @@ FILE *OutputFile::open(const char *fileName)
         return nullptr;
     if (exists && !S_ISREG(old.st_mode))
         return openInPlace(fileName);
-    // Behind a name like /dev/stdout is a file that others go on writing to: what is put in its
-    // place, or written at an offset of its own, would be lost to them or they to it.
+    // Behind /dev/stdout can be a file that others go on writing to: what is put in its place, or
+    // written at an offset of its own, would be lost to them or they to it.
     for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
-        if (exists && isOpenAs(descriptor, old))
-            return fdopen(dup(descriptor), "wb");
+        if (exists && namesDescriptor(fileName) && isOpenAs(descriptor, old))
+            return openDescriptor(descriptor);
     }
     if (exists && access(fileName, W_OK) != 0)
         return nullptr;
@@ -113,13 +122,27 @@ FILE *OutputFile::open(const char *fileName)
     if (target.empty() ||
         (exists && (stat(target.c_str(), &found) != 0 || !isSameFile(old, found))))
         return openInPlace(fileName);
+    // Nobody may open the temporary file who could not open the old one.
+    const mode_t mask = exists ? umask(S_IRWXG | S_IRWXO) : 0;
     FILE *stream = openTemporary();
+    const int error = errno;
+    if (exists)
+        umask(mask);
     if (!stream)
-        return noFileCanBeMade(errno) ? openInPlace(fileName) : nullptr;
+        return noFileCanBeMade(error) ? openInPlace(fileName) : nullptr;
     if (!exists || takeOver(fileno(stream), old))
         return stream;
     std::fclose(stream);
     return nullptr;
+}
+
+FILE *OutputFile::openDescriptor(int descriptor)
+{
+    const int own = dup(descriptor);
+    FILE *stream = fdopen(own, "wb");
+    if (!stream)
+        close(own);
+    return stream;
 }
 
 FILE *OutputFile::openInPlace(const char *fileName)

@@ -9,7 +9,8 @@
 /// was, and an OutputFile that goes without a commit() takes the temporary file with it.
 ///
 /// What is no regular file (a device, a pipe), or lies where no file can be made, is written in
-/// place; what is open as standard output or error (/dev/stdout) through that descriptor.
+/// place; a file behind /dev/stdout or /dev/stderr through that descriptor. A signal that ends the
+/// process while it writes leaves the temporary file (".xmlpp-" and numbers) behind.
 class OutputFile
 {
 public:
@@ -26,7 +27,8 @@ public:
 
 private:
     FILE *open(const char *fileName);
-    FILE *openInPlace(const char *fileName);
+    static FILE *openDescriptor(int descriptor);
+    static FILE *openInPlace(const char *fileName);
     FILE *openTemporary();
 
     std::string target;     ///< the file itself, no symbolic link

@@ -18,21 +18,7 @@ bool QXMLDocument::save(const QString &fileName, int spacesPerLevel)
 
 XMLElement *QXMLDocument::copyElementExpanded(const XMLElement *source, const MacroMap &macros)
 {
-    class Lookup : public MacroLookup
-    {
-    public:
-        explicit Lookup(const MacroMap *known) : map(*known) {}
-
-        const QString *find(const QString &name) override
-        {
-            const auto found = map.constFind(name);
-            return found == map.cend() ? nullptr : &found.value();
-        }
-
-    private:
-        const MacroMap &map;
-    };
-    Lookup lookup(&macros);
+    MapLookup lookup(&macros);
     return copyElementExpanded(source, lookup);
 }
 
@@ -49,6 +35,7 @@ XMLElement *QXMLDocument::copyElementExpanded(const XMLElement *source, MacroLoo
 XMLElement *QXMLDocument::copyOneExpanded(const XMLElement *source, MacroLookup &macros)
 {
     XMLElement *copy = createElement(source->name());
+    const bool isBare = copy->attributes().isEmpty();
     XMLAttributeAppender copied(&copy->attributes());
     std::string expanded;
     bool isLiteral = true;
@@ -62,9 +49,13 @@ XMLElement *QXMLDocument::copyOneExpanded(const XMLElement *source, MacroLookup 
             isLiteral = isLiteral && text.find('$') == std::string_view::npos;
         }
         const char *value = isNull ? nullptr : copyString(text.data(), text.size());
-        copied.append(copyString(attribute.name, std::strlen(attribute.name)), value);
+        const char *name = copyString(attribute.name, std::strlen(attribute.name));
+        if (isBare)
+            copied.append(name, value);
+        else
+            copy->setAttribute(name, value);
     }
-    if (isLiteral)
+    if (isLiteral && isBare)
         copy->setLiteral();
     return copy;
 }

@@ -38,9 +38,14 @@ XMLNode *XMLDocument::copyOne(const XMLNode *source)
     case XMLNode::Kind::Element: {
         const auto *element = static_cast<const XMLElement *>(source);
         XMLElement *copy = createElement(element->name());
+        const bool isBare = copy->attributes().isEmpty();
         XMLAttributeAppender copied(&copy->attributes());
-        for (const XMLAttribute &attribute : element->attributes())
-            copied.append(attribute.name, attribute.value);
+        for (const XMLAttribute &attribute : element->attributes()) {
+            if (isBare)
+                copied.append(attribute.name, attribute.value);
+            else
+                copy->setAttribute(attribute.name, attribute.value);
+        }
         return copy;
     }
     case XMLNode::Kind::Data:
@@ -76,7 +81,7 @@ bool XMLDocument::parseOwn(char *text)
 
 bool XMLDocument::read(FILE *stream)
 {
-    fseeko(stream, 0, SEEK_SET);
+    std::rewind(stream);
     return readOn(stream, "");
 }
 

@@ -19,7 +19,8 @@ public:
     virtual ~XMLDocument() = default;
 
     /// A new element with that name (the pointer is kept) in the current pool. Every element of
-    /// the document is made by this operation.
+    /// the document is made by this operation. Attributes are then appended to it directly; only
+    /// to an element that comes with some of its own they are added by setAttribute().
     virtual XMLElement *createElement(const char *name);
 
     /// Reads a document from a copy of NUL-terminated text, which itself stays as it is. The result
@@ -64,8 +65,6 @@ public:
     int errorLine = 0;             ///< of the last failed load, counted from 0
 
 private:
-    friend class XMLReader;
-
     XMLNode *copyOne(const XMLNode *source);
     bool parseOwn(char *text);
     bool readOn(FILE *stream, const char *fileName);

@@ -375,15 +375,20 @@ void XMLReader::openElement(const Span &name)
     const bool isLiteral = !mayHaveReferences && !dollars.isIn(name.start, position);
     XMLElement *element = document->createElement(endText(name));
     element->line = markupLine;
+    // An element of a subclass can come with attributes of its own.
+    const bool isBare = element->attributes().isEmpty();
     XMLAttributeAppender appender(&element->attributes());
     for (const Attribute &attribute : attributes) {
         *attribute.name.end = '\0';
         *attribute.value.end = '\0';
         if (mayHaveReferences)
             decode(attribute.value.start, attribute.value.end, attribute.value.start, false);
-        appender.append(attribute.name.start, attribute.value.start);
+        if (isBare)
+            appender.append(attribute.name.start, attribute.value.start);
+        else
+            element->setAttribute(attribute.name.start, attribute.value.start);
     }
-    if (isLiteral)
+    if (isLiteral && isBare)
         element->setLiteral();
     if (!attributeIndex.empty())
         attributeIndex = {};

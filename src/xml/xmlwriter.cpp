@@ -103,9 +103,10 @@ inline char *XMLWriter::appendText(char *to, const char *text)
     for (;;) {
         while (to < bufferEnd && *text != '\0')
             *to++ = *text++;
+        if (to >= bufferEnd)
+            to = flush(to);
         if (*text == '\0')
             return to;
-        to = flush(to);
     }
 }
 
@@ -116,11 +117,11 @@ inline char *XMLWriter::appendEscaped(char *to, const char *text)
     for (;;) {
         while (to < bufferEnd && CharacterClass::is(CharacterClass::Plain, *text))
             *to++ = *text++;
-        if (*text == '\0')
-            return to;
         if (to >= bufferEnd)
             to = flush(to);
-        else
+        if (*text == '\0')
+            return to;
+        if (!CharacterClass::is(CharacterClass::Plain, *text))
             to = appendReference(to, static_cast<unsigned char>(*text++));
     }
 }

@@ -29,11 +29,11 @@ public:
 
 private:
     static constexpr std::size_t bufferSize = std::size_t{1} << 16;
-    /// Room behind bufferEnd for the few bytes that the writer itself adds between two texts.
+    /// Room behind bufferEnd for the few bytes that the writer itself adds from one text to the
+    /// next. Every text, an empty one too, ends before bufferEnd.
     static constexpr std::size_t slack = 64;
 
-    // Each of these appends at to, which text never takes beyond bufferEnd, and returns the new
-    // end. It is handed on in locals: every byte that is written could otherwise, for all that
+    // Each of these appends at to and returns the new end. It is handed on in locals: every byte that is written could otherwise, for all that
     // the compiler knows, change the member in which the end is kept.
     char *appendText(char *to, const char *text);
     char *appendEscaped(char *to, const char *text);
