@@ -10,10 +10,6 @@
 /// What libFuzzer calls with every input.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
-/// While it is set no allocation of more than 32 KiB succeeds, in targets that have memory.cpp: an
-/// expansion that grows meets the end of memory before it takes long.
-extern bool isMemoryShort;
-
 /// Ends the run as a find when \a left is not \a right, which are shown.
 inline void requireEqual(const std::string &left, const std::string &right)
 {

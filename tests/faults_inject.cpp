@@ -4,7 +4,6 @@
 // gives more than one byte.
 
 #include <cerrno>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -24,27 +23,37 @@ long remaining = 0;
 Main *realMain = nullptr;
 int lastDescriptor = -1;
 
+const char *setting(const char *name)
+{
+    const char *value = std::getenv(name);
+    return value ? value : "";
+}
+
 bool fails(const char *what)
 {
     if (std::strcmp(kind, what) != 0 || --remaining > 0 || (remaining < 0 && !isLasting))
         return false;
-    close(open(std::getenv("FAULT_MARK"), O_CREAT | O_WRONLY, 0600));
+    close(open(setting("FAULT_MARK"), O_CREAT | O_WRONLY, 0600));
     errno = *what == 'm' ? ENOMEM : EIO;
     return true;
 }
 
 int mainWithFaults(int argc, char **argv, char **environment)
 {
-    const char *fault = std::getenv("FAULT");
+    const char *fault = setting("FAULT");
     std::sscanf(fault, "%31[a-z]", kind);
-    isLasting = std::strchr(fault, '+') != nullptr;
-    remaining = std::atol(std::strchr(fault, ':') + 1);
+    const char *number = fault + std::strcspn(fault, ":+");
+    isLasting = *number == '+';
+    remaining = std::atol(number + (isLasting ? 2 : 1));
     return realMain(argc, argv, environment);
 }
 
+/// A stream's cookie is the place that its descriptor has in here.
+int descriptors[1024];
+
 int descriptorOf(void *cookie)
 {
-    return static_cast<int>(reinterpret_cast<std::intptr_t>(cookie));
+    return *static_cast<int *>(cookie);
 }
 
 ssize_t readSome(void *cookie, char *bytes, std::size_t size)
@@ -73,6 +82,9 @@ int closeIt(void *cookie)
 
 }  // namespace
 
+// These have the names that the C library gives them.
+// NOLINTBEGIN(bugprone-macro-parentheses,bugprone-reserved-identifier)
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 #define CAN_LACK_MEMORY(name, parameters, arguments)                                               \
     void *__libc_##name parameters;                                                                \
     void *name parameters                                                                          \
@@ -121,9 +133,9 @@ FILE *fopen(const char *name, const char *mode)
     lastDescriptor = fails("io") ? -1 : open(name, flags, 0666);
     if (lastDescriptor < 0)
         return nullptr;
-    void *cookie = reinterpret_cast<void *>(static_cast<std::intptr_t>(lastDescriptor));
-    FILE *stream =
-        fopencookie(cookie, *mode == 'w' ? "wb" : "rb", {readSome, writeSome, seekTo, closeIt});
+    descriptors[lastDescriptor] = lastDescriptor;
+    FILE *stream = fopencookie(&descriptors[lastDescriptor], *mode == 'w' ? "wb" : "rb",
+                               {readSome, writeSome, seekTo, closeIt});
     // The C library has the memory for a stream before it makes a file.
     if (!stream && (flags & O_EXCL))
         unlink(name);
@@ -135,3 +147,5 @@ int fileno(FILE *)
     return lastDescriptor;
 }
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
+// NOLINTEND(bugprone-macro-parentheses,bugprone-reserved-identifier)

@@ -19,7 +19,8 @@ void writeDocuments(const ScratchDirectory &scratch)
 <xmldef name="f"><c v="$(e)"/></xmldef><xmlput name="f" macros="e=0"/>
 <for index="i" start="0" end="2" incr="1"><xmlput name="f"/><d v="$(i_alpha)"/></for>
 <foreach p="1,2" q="3"><ifex expression="$(p) == $(q) - 1"><e/></ifex></foreach>
-<switch name="m"><case value="1"><g/></case></switch><![CDATA[text]]></r>)xml");
+<switch name="m"><case value="1"><g/></case></switch><![CDATA[text]]>)xml" +
+                                std::string(20'000, ' ') + "</r>");
     scratch.write("d/b.xml", "<b v=\"$(a)$(b)\"><h v=\"$(m)\"/></b>");
 }
 
@@ -43,11 +44,11 @@ TEST_P(Fault, EndsInTheRightOutputOrInOneLineAndNoTrace)
         scratch.write("out.xml", "old");
         ASSERT_EQ(chmod(out.c_str(), 0640), 0);
         std::filesystem::remove(mark);
-        const CommandResult result =
-            runCommand({"/usr/bin/env", "LD_PRELOAD=" XMLPP_FAULTS, "FAULT_MARK=" + mark,
-                        "FAULT=" + std::string(GetParam()) + ':' + std::to_string(number),
-                        XMLPP_COMMAND, "in.xml", "out.xml", "m=1"},
-                       scratch.path());
+        const CommandResult result = runCommand(
+            {"/usr/bin/env", std::string("LD_PRELOAD=") + XMLPP_FAULTS, "FAULT_MARK=" + mark,
+             "FAULT=" + std::string(GetParam()) + ':' + std::to_string(number), XMLPP_COMMAND,
+             "in.xml", "out.xml", "m=1"},
+            scratch.path());
         EXPECT_EQ(result.status, result.error.empty() ? 0 : 1) << result.error;
         EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), result.status);
         EXPECT_EQ(readFile(out), result.status == 0 ? right : "old");

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <ranges>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -137,8 +136,8 @@ public:
 
     bool advance() override
     {
-        for (const std::size_t index : std::views::reverse(varying)) {
-            List &list = lists[index];
+        for (std::size_t i = varying.size(); i-- > 0;) {
+            List &list = lists[varying[i]];
             if (++list.current < list.values.size())
                 return true;
             list.current = 0;

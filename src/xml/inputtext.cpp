@@ -2,18 +2,19 @@
 
 #include <algorithm>
 #include <string>
+#include <sys/stat.h>
 
 namespace
 {
 
-/// Bytes from the start of the stream to its end, 0 when it cannot tell. The position stays.
-std::size_t seekSize(FILE *stream)
+/// Bytes of the file behind the stream, 0 when it cannot tell.
+std::size_t fileSize(FILE *stream)
 {
-    const off_t position = ftello(stream);
-    if (position < 0 || fseeko(stream, 0, SEEK_END) != 0)
-        return 0;
-    const off_t end = ftello(stream);
-    return fseeko(stream, position, SEEK_SET) == 0 && end > 0 ? static_cast<std::size_t>(end) : 0;
+    struct stat status = {};
+    const int descriptor = fileno(stream);
+    const bool isKnown =
+        descriptor >= 0 && fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    return isKnown ? static_cast<std::size_t>(status.st_size) : 0;
 }
 
 /// What is left, however long it is.
@@ -48,7 +49,7 @@ char *readText(FILE *stream, Pool *pool)
     if (std::ferror(stream))
         return nullptr;
     const std::size_t size =
-        firstLength < sizeof first ? firstLength : std::max(seekSize(stream), firstLength);
+        firstLength < sizeof first ? firstLength : std::max(fileSize(stream), firstLength);
     char *text = allocateText(size, pool);
     std::copy_n(first, firstLength, text);
     const std::size_t length =
