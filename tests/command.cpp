@@ -10,9 +10,7 @@
 std::string readFile(const std::string &path)
 {
     std::ifstream file(path, std::ios::binary);
-    if (!file)
-        return "(no file)";
-    return {std::istreambuf_iterator<char>(file), {}};
+    return file ? std::string(std::istreambuf_iterator<char>(file), {}) : "(no file)";
 }
 
 CommandResult runCommand(const std::vector<std::string> &arguments, const std::string &directory)

@@ -4,7 +4,7 @@
 #include "qxmldocument.h"
 #include "treetext.h"
 
-#include <gtest/gtest.h>
+using namespace Qt::StringLiterals;
 
 namespace
 {
@@ -20,41 +20,39 @@ protected:
         d->nextSibling = e;
     }
 
+    void expectA(const char *expected) { EXPECT_EQ(treeText(a), expected); }
+
     QXMLDocument document{false};
     CurrentPool current;
-    XMLElement *a = document.createElement("a");
-    XMLElement *b = document.createElement("b");
-    XMLElement *c = document.createElement("c");
-    XMLElement *d = document.createElement("d");
-    XMLElement *e = document.createElement("e");
+    XMLElement *a = document.createElement("a"), *b = document.createElement("b"),
+               *c = document.createElement("c"), *d = document.createElement("d"),
+               *e = document.createElement("e");
 };
 
 TEST_F(Tree, LinksAndUnlinks)
 {
     a->removeChild(b);
-    EXPECT_EQ(treeText(a), "a(c)");
+    expectA("a(c)");
     EXPECT_EQ(b->parent, a);
     EXPECT_EQ(b->nextSibling, c);
     a->removeChild(d);
-    EXPECT_EQ(treeText(a), "a(c)");
     a->prependChild(b);
-    EXPECT_EQ(treeText(a), "a(b,c)");
+    expectA("a(b,c)");
     a->replaceChild(c, e);
-    EXPECT_EQ(treeText(a), "a(b,e)");
+    expectA("a(b,e)");
     a->replaceChild(b, c);
-    EXPECT_EQ(treeText(a), "a(c,e)");
+    expectA("a(c,e)");
 }
 
 TEST_F(Tree, SplicesAWholeChain)
 {
-    a->insertAfter(b, d);
-    EXPECT_EQ(treeText(a), "a(b,d,e,c)");
-    b->insertAfter(nullptr, document.createElement("f"));
-    EXPECT_EQ(treeText(a), "a(b(f),d,e,c)");
     XMLNode *g = document.createElement("g");
     g->nextSibling = document.createElement("h");
+    a->insertAfter(b, d);
+    b->insertAfter(nullptr, document.createElement("f"));
+    expectA("a(b(f),d,e,c)");
     e->insertAfter(c, g);
-    EXPECT_EQ(treeText(a), "a(b(f),d,e(g,h),c)");
+    expectA("a(b(f),d,e(g,h),c)");
 }
 
 TEST_F(Tree, KeepsAttributesInOrder)
@@ -63,17 +61,14 @@ TEST_F(Tree, KeepsAttributesInOrder)
         a->setAttribute(name, "1");
     a->setAttribute("y", "2");
     a->setAttribute("n", nullptr);
-    EXPECT_EQ(treeText(a), "a[x=1 y=2 z=1 n](b,c)");
+    expectA("a[x=1 y=2 z=1 n](b,c)");
     a->removeAttribute("x");
     a->removeAttribute("none");
-    EXPECT_FALSE(a->hasAttribute("x"));
-    EXPECT_TRUE(a->hasAttribute("n"));
-    EXPECT_EQ(a->attribute("n"), nullptr);
-    EXPECT_EQ(a->attribute("x"), nullptr);
-    EXPECT_STREQ(a->attribute("y"), "2");
+    EXPECT_TRUE(!a->hasAttribute("x") && a->hasAttribute("n"));
+    EXPECT_TRUE(!a->attribute("x") && !a->attribute("n"));
     a->removeAttribute("n");
     a->setAttribute("x", "3");
-    EXPECT_EQ(treeText(a), "a[y=2 z=1 x=3](b,c)");
+    expectA("a[y=2 z=1 x=3](b,c)");
 }
 
 TEST_F(Tree, CopiesEveryKindAndSharesStrings)
@@ -81,47 +76,35 @@ TEST_F(Tree, CopiesEveryKindAndSharesStrings)
     b->setAttribute("x", "1");
     b->setAttribute("n", nullptr);
     b->line = 7;
-    b->appendChild(new XMLData("t"));
-    b->appendChild(new XMLNode);
-    b->appendChild(new XMLComment("c"));
-    b->appendChild(new XMLCDATASection("s"));
-    XMLNode *copy = document.copyNode(b, d);
-    EXPECT_EQ(treeText(d), "d(b[x=1 n](#t,!c,[s]))");
-    EXPECT_NE(copy, b);
-    EXPECT_EQ(copy->line, 0);
-    EXPECT_EQ(static_cast<XMLElement *>(copy)->attribute("x"), b->attribute("x"));
+    XMLNode *children[] = {new XMLData("t"), new XMLNode, new XMLComment("c"),
+                           new XMLCDATASection("s")};
+    for (XMLNode *child : children)
+        b->appendChild(child);
+    const XMLNode *copy = document.copyNode(b, d);
+    EXPECT_EQ(treeText(d, true), "d@0(b[x=1 n]@0(#t@0,!c@0,[s]@0))");
+    EXPECT_EQ(static_cast<const XMLElement *>(copy)->attribute("x"), b->attribute("x"));
     EXPECT_EQ(document.copyNode(c, nullptr)->parent, nullptr);
     EXPECT_EQ(document.copyNode(new XMLNode, d), nullptr);
 }
 
 TEST_F(Tree, CopiesAndWritesAnyDepth)
 {
-    XMLElement *inner = d;
-    d->nextSibling = nullptr;
-    for (int i = 0; i < 200'000; ++i) {
-        XMLElement *next = document.createElement("n");
-        inner->appendChild(next);
-        inner = next;
-    }
-    const XMLNode *copy = document.copyNode(d, nullptr);
-    const XMLNode *expanded = document.copyElementExpanded(d, {});
+    XMLNode *inner = c;
+    for (int i = 0; i < 200'000; ++i, inner = inner->firstChild)
+        inner->appendChild(document.createElement("n"));
+    const XMLNode *copy = document.copyNode(c, nullptr);
+    const XMLNode *expanded = document.copyElementExpanded(c, {});
     int depth = 0;
-    while (copy->firstChild && expanded->firstChild) {
-        copy = copy->firstChild;
-        expanded = expanded->firstChild;
+    for (; copy && expanded; copy = copy->firstChild, expanded = expanded->firstChild)
         ++depth;
-    }
-    EXPECT_EQ(depth, 200'000);
-    FILE *nowhere = std::fopen("/dev/null", "wb");
-    document.writeNode(nowhere, d, 0);
-    std::fclose(nowhere);
+    EXPECT_EQ(depth, 200'001);
+    document.root = c;
+    EXPECT_TRUE(document.save("/dev/null", 0));
 }
 
 TEST_F(Tree, ExpandsAttributes)
 {
-    const MacroMap macros{{QStringLiteral("m"), QStringLiteral("1")},
-                          {QStringLiteral("wide"), QString(QChar(0x3B1)) + u'x'},
-                          {QStringLiteral("none"), QString()}};
+    const MacroMap macros{{u"m"_s, u"1"_s}, {u"wide"_s, u"\u03B1x"_s}, {u"none"_s, QString()}};
     const char *same = "$(unknown)";
     for (const auto &[name, value] :
          {std::pair("v", "$(m)2"), {"s", same}, {"w", "$(wide)"}, {"e", "$(none)"}, {"p", ""}})
@@ -129,7 +112,7 @@ TEST_F(Tree, ExpandsAttributes)
     b->setAttribute("n", nullptr);
     b->appendChild(new XMLData("t"));
     b->appendChild(e);
-    XMLElement *copy = document.copyElementExpanded(b, macros);
+    const XMLElement *copy = document.copyElementExpanded(b, macros);
     EXPECT_EQ(treeText(copy), "b[v=12 s=$(unknown) w=?x e p n](e)");
     EXPECT_EQ(copy->parent, nullptr);
     EXPECT_NE(copy->attribute("s"), same);
@@ -142,12 +125,11 @@ TEST(Document, LoadsAndSavesByName)
 {
     const ScratchDirectory scratch;
     scratch.write("a\xE9.xml", "<a/>");
+    const std::string saved = scratch.file("b.xml");
+    const std::string absent = scratch.file("no/" + std::string(2000, 'x'));
     QXMLDocument document(false);
     EXPECT_TRUE(document.load(QString::fromLatin1(scratch.file("a\xE9.xml"))));
-    EXPECT_TRUE(document.save(scratch.file("b.xml").c_str(), 0));
-    EXPECT_TRUE(document.load(scratch.file("b.xml").c_str()));
-    EXPECT_EQ(treeText(document.root), "a");
-    const std::string absent = scratch.file("no/" + std::string(2000, 'x'));
+    EXPECT_TRUE(document.save(saved.c_str(), 0) && document.load(saved.c_str()));
     document.errorLine = 5;
     EXPECT_FALSE(document.load(QString::fromLatin1(absent)));
     EXPECT_EQ(document.errorLine, 0);
@@ -164,10 +146,6 @@ TEST(Document, ReadsAStreamFromItsStart)
     FILE *stream = fmemopen(text.data(), text.size(), "rb");
     std::fgetc(stream);
     EXPECT_TRUE(document.read(stream));
-    EXPECT_EQ(treeText(document.root), "a");
-    std::fclose(stream);
-    stream = std::fopen("/", "rb");
-    EXPECT_FALSE(document.read(stream));
     EXPECT_EQ(treeText(document.root), "a");
     std::fclose(stream);
 }

@@ -24,7 +24,6 @@ TEST(InstallationDirectory, IsTheCanonicalParentOfTheDirectory)
     fs::create_directories(kit + "/bin");
     fs::create_directory_symlink(kit, top + "/link");
     fs::create_directory_symlink(kit + "/bin", top + "/tools");
-    const fs::path before = fs::current_path();
     fs::current_path(kit);
     for (const std::string &tool :
          {kit + "/bin/tool", kit + "//bin/./x/..//tool", std::string("bin/tool"),
@@ -36,7 +35,7 @@ TEST(InstallationDirectory, IsTheCanonicalParentOfTheDirectory)
     EXPECT_EQ(installedAt("/tool"), "/");
     EXPECT_EQ(installedAt("/bin/tool", 9), "/");
     EXPECT_EQ(installedAt(kit + "/none/below/tool"), "");
-    fs::current_path(before);
+    fs::current_path("/");
     fs::remove_all(top);
 }
 

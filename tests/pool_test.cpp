@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-
 namespace
 {
 
@@ -18,37 +16,36 @@ TEST(Pool, RoundsUpToEight)
     const char *first = take(&pool, 0);
     EXPECT_NE(first, nullptr);
     EXPECT_EQ(pool.bytesUsed(), 0U);
-    EXPECT_EQ(take(&pool, 1), first);
-    EXPECT_EQ(take(&pool, 8), first + 8);
-    EXPECT_EQ(take(&pool, 9), first + 16);
-    EXPECT_EQ(take(&pool, 0), first + 32);
+    for (const auto &[size, offset] : {std::pair(1, 0), {8, 8}, {9, 16}, {0, 32}})
+        EXPECT_EQ(take(&pool, static_cast<std::size_t>(size)), first + offset);
     EXPECT_EQ(pool.bytesUsed(), 32U);
 }
 
 TEST(Pool, FillsABlockToItsEndAndAbandonsWhatIsTooSmall)
 {
     Pool pool;
-    char *whole = take(&pool, 8192);
+    const char *first = take(&pool, 8192);
     const char *second = take(&pool, 8);
-    EXPECT_NE(second, whole + 8192);
+    EXPECT_NE(second, first + 8192);
     EXPECT_EQ(take(&pool, 8184), second + 8);
     const char *third = take(&pool, 8000);
     const char *large = take(&pool, 8193);
     EXPECT_NE(large, third + 8000);
     // Nothing is left of the large block, and the rest of the one before it is lost.
     EXPECT_NE(take(&pool, 8), large + 8200);
+    EXPECT_EQ(pool.bytesUsed(), 32592U);
+    EXPECT_THROW(pool.allocate(static_cast<std::size_t>(-1)), std::bad_alloc);
 }
 
 TEST(Pool, ReusesTheLastReleasedBlockThatFitsAndPoisonsIt)
 {
-    auto pool = std::make_unique<Pool>();
-    const char *small = take(pool.get(), 8192);
-    const char *large = take(pool.get(), 20000);
-    const char *last = take(pool.get(), 10);
-    pool->clear();
-    EXPECT_EQ(pool->bytesUsed(), 0U);
-    EXPECT_EQ(static_cast<unsigned char>(*last), 0xFE);
-    EXPECT_EQ(static_cast<unsigned char>(large[19999]), 0xFE);
+    Pool pool;
+    const char *small = take(&pool, 8192);
+    const char *large = take(&pool, 20000);
+    const char *last = take(&pool, 10);
+    pool.clear();
+    EXPECT_EQ(pool.bytesUsed(), 0U);
+    EXPECT_EQ(std::string({*last, large[19999]}), "\xFE\xFE");
     Pool other;
     EXPECT_EQ(take(&other, 9000), large);
     EXPECT_EQ(take(&other, 11000), large + 9000);
@@ -65,7 +62,6 @@ TEST(Pool, AllocatesFromTheCurrentOneOrADefault)
     EXPECT_EQ(Pool::setCurrent(nullptr), &pool);
     EXPECT_NE(Pool::allocateCurrent(8), nullptr);
     EXPECT_NE(Pool::setCurrent(nullptr), nullptr);
-    EXPECT_THROW(pool.allocate(static_cast<std::size_t>(-1)), std::bad_alloc);
 }
 
 }  // namespace

@@ -3,9 +3,12 @@
 #include "treetext.h"
 #include "xmlpp2.h"
 
-#include <gtest/gtest.h>
+#include <QThread>
 
-#include <pthread.h>
+#include <algorithm>
+#include <memory>
+
+using namespace Qt::StringLiterals;
 
 namespace
 {
@@ -17,202 +20,168 @@ public:
 
     void reportError(const QString &message) override
     {
-        EXPECT_TRUE(message.startsWith(QStringLiteral("XmlPP::processConditionals(): ")));
-        errors += message.sliced(30).toStdString() + "\n";
+        errors += message.toStdString().replace(0, 29, " !");
     }
 
-    /// Parses and walks; the tree, then the errors.
+    /// Parses \a text, in which a ' stands for a ", and walks; the tree, then the errors.
     std::string walk(std::string text, bool expand = true)
     {
         const CurrentPool current(this);
+        std::ranges::replace(text, '\'', '"');
         EXPECT_TRUE(parse(text.data()));
-        processConditionals(root, QStringLiteral("dir/in.xml"), macros, expand);
-        return treeText(root) + (errors.empty() ? "" : " " + errors);
+        processConditionals(root, u"dir/in.xml"_s, macros, expand);
+        return treeText(root) + errors;
     }
 
     MacroMap macros;
     std::string errors;
 };
 
-struct Walked {
-    const char *text;
-    const char *expected;
-};
-
-void expectWalks(std::initializer_list<Walked> cases, const Limits &limits = {}, bool expand = true)
+void expectWalks(std::initializer_list<std::string> cases, const Limits &limits = {},
+                 bool expand = true)
 {
-    for (const Walked &walked : cases) {
-        Recorder document(true);
+    expectAll(cases, [&](const std::string &text) {
+        Recorder document(false);
         document.limits = limits;
-        document.keepComments = false;
-        EXPECT_EQ(document.walk(walked.text, expand), walked.expected) << walked.text;
-    }
+        return document.walk(text, expand);
+    });
 }
 
 TEST(Walk, GoesOnAfterAnErrorThatReturns)
 {
+    const std::string form = R"( ! <for index="i" start="0" end="32" incr="1">)";
+    const std::string one = " ! one condition required for <if[not]>";
     expectWalks({
-        {"<r><if><b v=\"$(x:1)\"/></if></r>",
-         "r(if(b[v=1])) one condition required for <if[not]>\n"},
-        {"<r><ifnot a=\"1\" b=\"2\"><b/></ifnot></r>",
-         "r(ifnot[a=1 b=2](b)) one condition required for <if[not]>\n"},
-        {"<r><include><b/></include><c/></r>", "r(include(b),c) missing filename in <include>\n"},
-        {"<r><include filename=\"none.xml\"><b/></include></r>",
-         "r(include[filename=none.xml](b)) error \"couldn't read dir/none.xml\" in include file "
-         "dir/none.xml line:0\n"},
-        {"<r><define value=\"1\"/><a/></r>", "r(a) missing name in <define>\n"},
-        {"<r><define name=\"x\"/><ifdef name=\"x\"/></r>",
-         "r missing value or expression in <define>\n"},
-        {"<r><for index=\"i\" start=\"0\" end=\"1\"><a/></for><b/></r>",
-         "r(b) <for index=\"i\" start=\"0\" end=\"32\" incr=\"1\">\n"},
-        {"<r><for index=\"i\" start=\"0\" end=\"1\" incr=\"1\"/></r>",
-         "r <for index=\"i\" start=\"0\" end=\"32\" incr=\"1\">\n"},
-        {"<r><xmlput name=\"$(n:f)\"><b/></xmlput></r>",
-         "r(xmlput[name=f](b)) xmlput cannot fine xmldef named f\n"},
+        "<r><if><b v='$(x:1)'/></if></r> => r(if(b[v=1]))" + one,
+        "<r><ifnot a='1' b='2'><b/></ifnot></r> => r(ifnot[a=1 b=2](b))" + one,
+        "<r><include><b/></include><c/></r> => r(include(b),c) ! missing filename in <include>",
+        "<r><include filename='no'><b/></include></r> => r(include[filename=no](b)) ! error "
+        "\"couldn't read dir/no\" in include file dir/no line:0",
+        "<r><define value='1'/><a/></r> => r(a) ! missing name in <define>",
+        "<r><define name='x'/><ifdef name='x'/></r> => r ! missing value or expression in <define>",
+        "<r><for index='i' start='0' end='1'><a/></for><b/></r> => r(b)" + form,
+        "<r><for index='i' start='0' end='1' incr='1'/></r> => r" + form,
+        "<r><for index='i' start='0' end='1' incr='0'><a/></for></r> => r" + form,
+        "<r><xmlput name='$(n:f)'><b/></xmlput><xmldef name='f'/></r> => r(xmlput[name=f](b)) ! "
+        "xmlput cannot fine xmldef named f",
     });
+}
+
+TEST(Walk, TakesWhatIsMissingInItsOwnWay)
+{
+    expectWalks(
+        {"<r><define name='' value='e'/><ifdef><a/></ifdef><ifndef><b/></ifndef><switch><case "
+         "value='e'><c/></case></switch></r> => r(a,c)",
+         "<r><xmldef><if m=''><a/></if><xmlput macros='m=1'/></xmldef></r> => "
+         "r(xmldef(xmlput[macros=m=1]))",
+         "<r><ifex expression='1==1 behind'><a/></ifex><ifex expression=''><b/></ifex><ifex><c/>"
+         "</ifex><ifex expression=' '><d/></ifex></r> => r(a,ifex[expression=](b),ifex(c))"});
 }
 
 TEST(Walk, LeavesOneRootOrNone)
 {
-    expectWalks({
-        {"<ifdef name=\"x\"><a/></ifdef>", "null"},
-        {"<ifndef name=\"x\"><a/></ifndef>", "a"},
-        {"<ifndef name=\"x\"/>", "null"},
-        {"<define name=\"x\" value=\"1\"/>", "null"},
-        {"<ifndef name=\"x\"><a/><b/></ifndef>", "a the document needs exactly one root element\n"},
-        {"<ifndef name=\"x\"><![CDATA[c]]></ifndef>",
-         "[c] the document needs exactly one root element\n"},
-        {"<foreach x=\"1\"><a v=\"$(x)\"/></foreach>", "a[v=1]"},
-        {"<foreach x=\"1,2\"><ifdef name=\"n\"/><a/></foreach>",
-         "a the document needs exactly one root element\n"},
-        {"<xmldef name=\"f\"/>", "null"},
-        {"<xmldef/>", "xmldef"},
-        {"<switch name=\"s\"><default><a/></default></switch>", "a"},
-    });
+    const std::string wrong = " ! the document needs exactly one root element";
+    expectWalks({"<ifdef name='x'><a/></ifdef> => null", "<ifndef name='x'/> => null",
+                 "<ifndef name='x'><a/></ifndef> => a", "<xmldef name='f'/> => null",
+                 "<define name='x' value='1'/> => null", "<xmldef/> => xmldef",
+                 "<foreach x='1'><a v='$(x)'/></foreach> => a[v=1]",
+                 "<ifndef name='x'><a/><b/></ifndef> => a" + wrong,
+                 "<ifndef name='x'><![CDATA[c]]></ifndef> => [c]" + wrong,
+                 "<foreach x='1,2'><ifdef name='n'/><a/></foreach> => a" + wrong,
+                 "<switch name='s'><default><a/></default></switch> => a"});
 }
 
 TEST(Walk, PassesOverWhatIsNoElement)
 {
-    constexpr const char *text =
-        "<r><![CDATA[$(x)]]><ifndef name=\"x\"><![CDATA[c]]><a/></ifndef></r>";
-    expectWalks({{text, "r([$(x)],[c],a)"}});
-    Recorder keeping(true);
-    EXPECT_EQ(keeping.walk("<r>1<!--c--><ifndef name=\"x\">2<b/></ifndef>3</r>"),
-              "r(#1,!c,#,#2,b,#,#3)");
-    EXPECT_EQ(Recorder(true).walk("<r><switch name=\"x\">t<default>u</default></switch></r>"),
-              "r(#,#u,#)");
+    expectAll({"<r>1<!--c--><ifndef name='x'>2<![CDATA[$(x)]]></ifndef>3</r> => "
+               "r(#1,!c,#,#2,[$(x)],#,#3)",
+               "<r><switch name='x'>t<default>u</default></switch></r> => r(#,#u,#)"},
+              [](const std::string &text) { return Recorder(true).walk(text); });
 }
 
 TEST(Walk, LeavesAttributesAloneWithoutExpansion)
 {
-    expectWalks(
-        {
-            {"<r v=\"$(x:1)\"><define name=\"x\" value=\"$(y:2)\"/><if x=\"$(y:2)\"><a/></if></r>",
-             "r[v=$(x:1)](a)"},
-            {"<r><define name=\"x\" value=\"1\"/><ifex expression=\"$(x)==1\"><a "
-             "v=\"$(x)\"/></ifex></r>",
-             "r(a[v=$(x)])"},
-            {"<r><xmldef name=\"f\"><a v=\"$(x)\"/></xmldef><xmlput name=\"f\" macros=\"x=1\"/>"
-             "<xmlput name=\"f\" macros=\"x=1\" expand_macros=\"\"/><xmlput name=\"f\" "
-             "expand_macros=\"\"/></r>",
-             "r(a[v=$(x)],a[v=1],a[v=$(x)])"},
-        },
-        {}, false);
+    expectWalks({"<r v='$(x:1)'><define name='x' value='$(y:2)'/><if x='$(y:2)'><a/></if><define "
+                 "name='n' value='1'/><ifex expression='$(n)==1'><b v='$(n)'/></ifex></r> => "
+                 "r[v=$(x:1)](a,b[v=$(n)])",
+                 "<r><xmldef name='f'><a v='$(x)'/></xmldef><xmlput name='f' macros='x=1'/><xmlput "
+                 "name='f' macros='x=1' expand_macros=''/><xmlput name='f' expand_macros=''/></r> "
+                 "=> r(a[v=$(x)],a[v=1],a[v=$(x)])"},
+                {}, false);
 }
 
 TEST(Walk, StartsAnywhereInAChain)
 {
     Recorder document;
-    std::string text = "<r><define name=\"x\" value=\"1\"/><ifdef name=\"x\"><a/></ifdef>"
-                       "<define name=\"y\" value=\"$(x:0)\"/></r>";
+    std::string text = R"-(<r><define name="x" value="1"/><ifdef name="x"><a/></ifdef>)-"
+                       R"-(<define name="y" value="$(x:0)"/><include filename="0"/></r>)-";
     ASSERT_TRUE(document.parse(text.data()));
     const CurrentPool current(&document);
-    document.macros.insert(QStringLiteral("x"), QStringLiteral("2"));
-    document.processConditionals(document.root->firstChild->nextSibling, QString(), document.macros,
+    document.macros.insert(u"x"_s, u"2"_s);
+    document.processConditionals(document.root->firstChild->nextSibling, u"/in"_s, document.macros,
                                  true);
-    EXPECT_EQ(treeText(document.root), "r(define[name=x value=1],a)");
-    EXPECT_EQ(document.macros.value(QStringLiteral("y")), QStringLiteral("2"));
+    EXPECT_EQ(treeText(document.root) + document.errors,
+              "r(define[name=x value=1],a,include[filename=0]) ! error \"couldn't read //0\" in "
+              "include file //0 line:0");
+    EXPECT_EQ(document.macros.value(u"y"_s), u"2"_s);
     document.processConditionals(nullptr, QString(), document.macros, true);
 }
 
 TEST(Limits, AreMetFromBothSides)
 {
-    Limits limits;
-    limits.nestedLevels = 3;
+    const std::string deep = " ! nested more than 3 levels deep";
+    const std::string tooMany = " ! more than 4 rounds in ";
+    const std::string loop = "<r><for index='i' start=";
     expectWalks(
-        {{"<a><b><c/></b></a>", "a(b(c))"},
-         {"<a><b><c><d/></c></b></a>", "a(b(c(d))) nested more than 3 levels deep\n"},
-         {"<a><xmldef name=\"f\"><b><xmlput name=\"f\"/></b></xmldef><xmlput name=\"f\"/></a>",
-          "a(b(xmlput[name=f])) nested more than 3 levels deep\n"}},
-        limits);
-    limits = {};
-    limits.loopRounds = 4;
-    const std::string rounds = " rounds in <for>\n";
-    expectWalks(
-        {{"<r><for index=\"i\" start=\"0\" end=\"8\" incr=\"2\"><a/></for></r>", "r(a,a,a,a)"},
-         {"<r><for index=\"i\" start=\"0\" end=\"9\" incr=\"2\"><a/></for><b/></r>",
-          "r(b) more than 4 rounds in <for>\n"},
-         {"<r><for index=\"i\" start=\"0\" end=\"5\" incr=\"4294967295\"><a/></for></r>", "r(a)"},
-         {"<r><for index=\"i\" start=\"2\" end=\"4294967295\" incr=\"2147483648\"><a/></for></r>",
-          "r more than 4 rounds in <for>\n"},
-         {"<r><foreach x=\"1,2\" y=\"1,2\"><a/></foreach></r>", "r(a,a,a,a)"},
-         {"<r><foreach x=\"1,2\" y=\"1,2,3\"><a/></foreach></r>",
-          "r more than 4 rounds in <foreach>\n"},
-         {"<r><foreach x=\"1,2,3\" y=\"1,2,3\" z=\",\"><a/></foreach></r>", "r"}},
-        limits);
-    limits = {};
-    limits.nestedIncludes = 0;
-    expectWalks({{"<r><include filename=\"/b\"/></r>",
-                  "r(include[filename=/b]) more than 0 nested includes at /b\n"}},
-                limits);
-    limits = {};
-    limits.growth = 3000;
-    std::string copies = "r(a";
-    for (int i = 1; i < 40; ++i)
-        copies += ",a";
-    expectWalks({{"<r><for index=\"i\" start=\"0\" end=\"40\" incr=\"1\"><a/></for></r>",
-                  (copies + ")").c_str()},
-                 {"<r><for index=\"i\" start=\"0\" end=\"400\" incr=\"1\"><a/></for></r>",
-                  "r(for[index=i start=0 end=400 incr=1](a)) directives bring more than 3000 bytes "
-                  "into the document\n"},
-                 {"<r><xmldef name=\"f\"><xmlput name=\"f\"/></xmldef><xmlput name=\"f\"/></r>",
-                  "r(xmlput[name=f]) directives bring more than 3000 bytes into the document\n"}},
-                limits);
+        {"<a><b><c/></b></a> => a(b(c))", "<a><b><c><d/></c></b></a> => a(b(c(d)))" + deep,
+         "<a><xmldef name='f'><b><xmlput name='f'/></b></xmldef><xmlput name='f'/></a> => "
+         "a(b(xmlput[name=f]))" +
+             deep,
+         "<include filename='/b'/> => include[filename=/b] ! more than 0 nested includes at /b",
+         loop + "'0' end='8' incr='2'><a/></for></r> => r(a,a,a,a)",
+         loop + "'0' end='9' incr='2'><a/></for><b/></r> => r(b)" + tooMany + "<for>",
+         loop + "'0' end='5' incr='4294967295'><a/></for></r> => r(a)",
+         loop + "'2' end='4294967295' incr='2147483648'><a/></for></r> => r" + tooMany + "<for>",
+         "<r><foreach x='1,2' y='1,2'><a/></foreach></r> => r(a,a,a,a)",
+         "<r><foreach x='1,2' y='1,2,3'><a/></foreach></r> => r" + tooMany + "<foreach>",
+         "<r><foreach x='1,2,3' y='1,2,3' z=','><a/></foreach></r> => r"},
+        {.nestedLevels = 3, .nestedIncludes = 0, .loopRounds = 4});
+    const std::string tooMuch = " ! directives bring more than 500 bytes into the document";
+    expectWalks({loop + "'0' end='5' incr='1'><a/></for></r> => r(a,a,a,a,a)",
+                 "<r><for index='i' start='0' end='9' incr='1'><a/></for></r> => r(for[index=i "
+                 "start=0 end=9 incr=1](a))" +
+                     tooMuch,
+                 "<r><xmldef name='f'><xmlput name='f'/></xmldef><xmlput name='f'/></r> => "
+                 "r(xmlput[name=f])" +
+                     tooMuch},
+                {.growth = 500});
 }
 
 TEST(Limits, TakeLessThanHalfOfTheStack)
 {
-#ifdef __SANITIZE_ADDRESS__
-    constexpr std::size_t stackSize = std::size_t{64} << 20;
-#else
-    constexpr std::size_t stackSize = std::size_t{4} << 20;
-#endif
-    const auto nest = [](void *) -> void * {
+    const auto nest = [] {
         // Ifs, and a fragment that puts itself: the largest frames that a level can take.
         const int levels = Limits().nestedLevels;
-        std::string opened;
-        std::string closed;
-        for (int i = 1; i < levels; ++i) {
-            opened += "<if m=\"1\">";
-            closed += "</if>";
-        }
+        std::string nested = "<a/>";
+        for (int i = 2; i < levels; ++i)
+            nested.insert(0, "<if m='1'>").append("</>");
         Recorder ifs;
-        ifs.macros.insert(QStringLiteral("m"), QStringLiteral("1"));
-        EXPECT_EQ(ifs.walk("<r>" + opened + closed + "</r>"), "r");
+        ifs.macros.insert(u"m"_s, u"1"_s);
+        EXPECT_EQ(ifs.walk("<r>" + nested + "</r>"), "r(a)");
         Recorder fragments;
-        fragments.walk("<r><xmldef name=\"f\"><xmlput name=\"f\" macros=\"a=1\"/></xmldef>"
-                       "<xmlput name=\"f\"/></r>");
+        fragments.walk("<r><xmldef name='f'><xmlput name='f' macros='a=1'/></xmldef>"
+                       "<xmlput name='f'/></r>");
         EXPECT_EQ(fragments.errors,
-                  "nested more than " + std::to_string(levels) + " levels deep\n");
-        return nullptr;
+                  " ! nested more than " + std::to_string(levels) + " levels deep");
     };
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, stackSize);
-    pthread_t thread{};
-    ASSERT_EQ(pthread_create(&thread, &attributes, nest, nullptr), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
+    const std::unique_ptr<QThread> thread(QThread::create(nest));
+#ifdef __SANITIZE_ADDRESS__
+    thread->setStackSize(64 << 20);
+#else
+    thread->setStackSize(4 << 20);
+#endif
+    thread->start();
+    thread->wait();
 }
 
 }  // namespace

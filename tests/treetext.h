@@ -2,6 +2,8 @@
 
 #include "xmldocument.h"
 
+#include <gtest/gtest.h>
+
 #include <string>
 
 /// A tree as one line of text, to be compared as a whole: a[x=1 y](b,#text,!comment,[cdata]). An
@@ -14,25 +16,31 @@ inline std::string treeText(const XMLNode *node, bool lines = false)
     if (node->kind() == XMLNode::Kind::Element) {
         const auto *element = static_cast<const XMLElement *>(node);
         text = element->name();
-        std::string attributes;
         for (const XMLAttribute &attribute : element->attributes()) {
-            attributes += attributes.empty() ? "" : " ";
-            attributes += attribute.name;
-            attributes += attribute.value ? "=" + std::string(attribute.value) : "";
+            text += (&attribute == element->attributes().first ? "[" : " ");
+            text += attribute.name + (attribute.value ? "=" + std::string(attribute.value) : "");
         }
-        text += attributes.empty() ? "" : "[" + attributes + "]";
+        text += element->attributes().first ? "]" : "";
     } else {
         const std::string data = static_cast<const XMLText *>(node)->data();
         text = node->kind() == XMLNode::Kind::Data      ? "#" + data
                : node->kind() == XMLNode::Kind::Comment ? "!" + data
                                                         : "[" + data + "]";
     }
-    if (lines)
-        text += "@" + std::to_string(node->line);
+    text += lines ? "@" + std::to_string(node->line) : "";
     for (const XMLNode *child = node->firstChild; child; child = child->nextSibling) {
         text += (child == node->firstChild ? "(" : ",") + treeText(child, lines);
-        if (child->parent != node)
-            text += "<wrong parent>";
+        text += child->parent == node ? "" : "<wrong parent>";
     }
     return text + (node->firstChild ? ")" : "");
+}
+
+/// Each case is an input, " => " and what \a outcome must make of it.
+template <typename Outcome>
+void expectAll(std::initializer_list<std::string> cases, Outcome outcome)
+{
+    for (const std::string &each : cases) {
+        const std::string text = each.substr(0, each.find(" => "));
+        EXPECT_EQ(text + " => " + outcome(text), each);
+    }
 }

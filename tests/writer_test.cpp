@@ -1,7 +1,5 @@
 #include "treetext.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 
 namespace
@@ -15,7 +13,7 @@ std::string written(Write write)
     FILE *stream = open_memstream(&bytes, &size);
     write(stream);
     std::fclose(stream);
-    std::string text(bytes, size);
+    const std::string text(bytes, size);
     std::free(bytes);
     return text;
 }
@@ -30,29 +28,22 @@ std::string rewritten(std::string text, int indent, bool keepComments = false)
     });
 }
 
-TEST(Writer, IndentsElements)
+TEST(Writer, IndentsElementsAndDoesNotEndTheLineOfText)
 {
     const char *text = "<a><b x=\"1\"><c/></b><d/></a>";
     EXPECT_EQ(rewritten(text, 2), "<a>\n  <b x=\"1\">\n    <c/>\n  </b>\n  <d/>\n</a>\n");
     EXPECT_EQ(rewritten(text, 0), text);
     EXPECT_EQ(rewritten("<a><b/></a>", -1), "<a>\n<b/>\n</a>\n");
-}
-
-TEST(Writer, DoesNotEndTheLineOfText)
-{
     EXPECT_EQ(rewritten("<a><![CDATA[<&]]><b/><![CDATA[]]></a>", 2),
               "<a>\n  <![CDATA[<&]]>  <b/>\n  <![CDATA[]]></a>\n");
-    EXPECT_EQ(rewritten("<a><!--<&--></a>", 1, true), "<a>\n  <!--<&--> </a>\n");
-    EXPECT_EQ(rewritten("<a></a>", 2, true), "<a>\n  </a>\n");
+    EXPECT_EQ(rewritten("<a><!--<&-->&lt;</a>", 1, true), "<a>\n  <!--<&--> &lt;</a>\n");
 }
 
 TEST(Writer, WritesDeclarationAndDoctype)
 {
-    EXPECT_EQ(rewritten("<?xml version=\"1.0\" encoding=\"&\"?><!DOCTYPE d><a/>", 2),
+    EXPECT_EQ(rewritten(R"(<?xml version="1.0" encoding="&"?><!DOCTYPE d><a/>)", 2),
               "<?xml  version=\"1.0\" encoding=\"&\" ?>\n<!DOCTYPE d>\n<a/>\n");
-    EXPECT_EQ(rewritten("<?xml encoding=\"e\"?><!DOCTYPE>", 2),
-              "<?xml  encoding=\"e\" ?>\n<!DOCTYPE >\n");
-    EXPECT_EQ(rewritten("", 2), "");
+    EXPECT_EQ(rewritten(R"(<? encoding="e"?><!D>)", 2), "<?xml  encoding=\"e\" ?>\n<!DOCTYPE >\n");
 }
 
 TEST(Writer, EscapesAllButPrintableAscii)
@@ -61,36 +52,33 @@ TEST(Writer, EscapesAllButPrintableAscii)
         return written([&](FILE *stream) { XMLDocument::writeEscaped(stream, text); });
     };
     EXPECT_EQ(escaped("a<b & \"c\">'"), "a&lt;b &amp; &quot;c&quot;&gt;'");
-    EXPECT_EQ(escaped("\x01\t\n\r ~\x7F\x80\xE9\xFF"),
-              "&#x1;&#x9;&#xa;&#xd; ~&#x7f;&#x80;&#xe9;&#xff;");
+    EXPECT_EQ(escaped("\x01\t\n\r\x1F ~\x7F\x80\xE9\xFF"),
+              "&#x1;&#x9;&#xa;&#xd;&#x1f; ~&#x7f;&#x80;&#xe9;&#xff;");
     EXPECT_EQ(escaped(nullptr), "");
 }
 
 TEST(Writer, HandsOverWhatIsLongerThanItsBuffer)
 {
-    const std::string value(200'000, '&');
     std::string escaped;
-    for (std::size_t i = 0; i < value.size(); ++i)
+    for (int i = 0; i < 200'000; ++i)
         escaped += "&amp;";
+    const std::string value(200'000, '&');
     const std::string name(70'000, 'n');
+    const std::string spaces(140'000, ' ');
     XMLDocument document(false);
     const CurrentPool current(&document);
     XMLElement element(name.c_str());
     element.setAttribute("a", value.c_str());
     element.setAttribute("b", nullptr);
-    const std::string spaces(140'000, ' ');
     document.indent = 70'000;
-    EXPECT_EQ(written([&](FILE *stream) { document.writeNode(stream, &element, 2); }),
-              spaces + "<" + name + " a=\"" + escaped + "\" b=\"\"/>\n");
-    EXPECT_EQ(written([&](FILE *stream) { document.writeNode(stream, nullptr, 2); }), spaces);
-}
-
-TEST(Writer, WritesNothingForANodeOfItsOwnKind)
-{
-    XMLDocument document(false);
-    XMLNode node;
-    document.indent = 3;
-    EXPECT_EQ(written([&](FILE *stream) { document.writeNode(stream, &node, 1); }), "   ");
+    const auto nodeText = [&](const XMLNode *node) {
+        return written([&](FILE *stream) { document.writeNode(stream, node, 2); });
+    };
+    EXPECT_EQ(nodeText(&element), spaces + "<" + name + " a=\"" + escaped + "\" b=\"\"/>\n");
+    // No node, and a node of no kind, have nothing but their indentation.
+    const XMLNode node;
+    EXPECT_EQ(nodeText(nullptr), spaces);
+    EXPECT_EQ(nodeText(&node), spaces);
 }
 
 }  // namespace
