@@ -469,6 +469,7 @@ TEST_P(ExprClaims, Hold)
         }
     }
     EXPECT_TRUE(texts.empty()) << "a text without an outcome";
+    shared = nullptr;
 }
 
 INSTANTIATE_TEST_SUITE_P(Expr, ExprClaims, testing::ValuesIn(claims),
