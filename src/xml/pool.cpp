@@ -1,7 +1,5 @@
 #include "pool.h"
 
-#include "blockmemory.h"
-
 #include <algorithm>
 #include <cstring>
 #include <memory>
@@ -42,7 +40,11 @@ Pool::Block *Pool::takeBlock(std::size_t wanted)
         }
     }
     auto made = std::make_unique<Block>(Block{nullptr, wanted, nullptr});
-    made->memory = takeBlockMemory(wanted);
+    // A large block is as a rule the text of a file, which the kernel copies faster to the start of
+    // a page.
+    constexpr std::align_val_t page{4096};
+    made->memory = wanted == smallestBlock ? new char[wanted]
+                                           : static_cast<char *>(::operator new(wanted, page));
     return made.release();
 }
 
