@@ -40,7 +40,8 @@ void checkExpansion(const MacroMap &macros, const std::string &text, bool useSys
     std::string narrow;
     const QString wide =
         globalMacros.expandMacros(macros, QString::fromLatin1(text), useSystemMacros);
-    const bool hasText = globalMacros.expandLatin1(macros, text, useSystemMacros, &narrow);
+    MapLookup lookup(&macros, useSystemMacros ? &globalMacros.systemMacros : nullptr);
+    const bool hasText = globalMacros.expandLatin1(lookup, text, &narrow);
     requireEqual(bytesOf(wide), hasText ? '"' + narrow + '"' : "(null)");
 }
 

@@ -1,3 +1,4 @@
+#include "macroscopes.h"
 #include "macrovalues.h"
 
 #include <gtest/gtest.h>
@@ -44,14 +45,14 @@ TEST(MacroList, DefinesAndMerges)
               "{a=1}{b=3}{c=4}");
 }
 
-/// Expands both ways, which must agree.
+/// Expands in both widths, which must agree.
 std::string expanded(const std::string &text, const MacroMap &macros, bool useSystemMacros = false)
 {
     const QString wide =
         globalMacros.expandMacros(macros, QString::fromStdString(text), useSystemMacros);
     std::string narrow;
-    EXPECT_EQ(globalMacros.expandLatin1(macros, text, useSystemMacros, &narrow), !wide.isNull())
-        << text;
+    MapLookup lookup(&macros, useSystemMacros ? &globalMacros.systemMacros : nullptr);
+    EXPECT_EQ(globalMacros.expandLatin1(lookup, text, &narrow), !wide.isNull()) << text;
     EXPECT_EQ(narrow, wide.toLatin1().toStdString());
     return wide.isNull() ? "null" : wide.toStdString();
 }
@@ -115,16 +116,45 @@ TEST(Expansion, ComputesDateAndTimeForADefinedName)
     EXPECT_EQ(expanded("$(date)$(Tim)", {{u"date"_s, u"own"_s}, {u"Tim"_s, u"1"_s}}), "own1");
 }
 
+TEST(MacroScopes, PutBackWhatALevelChanged)
+{
+    MacroMap outermost{{u"a"_s, u"1"_s}};
+    MacroScopes scopes(&outermost);
+    const auto shownNow = [&] {
+        std::string text;
+        globalMacros.expandLatin1(scopes, "$(a:-)$(b:-)$(c:-)", &text);
+        return text;
+    };
+    scopes.set("b", "2");
+    {
+        const MacroScopes::Scope outer(&scopes);
+        scopes.setList("a=3;\nc\n=4\\;;a=5");
+        EXPECT_EQ(shownNow(), "524;");
+        {
+            const MacroScopes::Scope inner(&scopes);
+            scopes.set("a", "6");
+            scopes.set("a", "7");
+            EXPECT_EQ(shownNow(), "724;");
+        }
+        EXPECT_EQ(shownNow(), "524;");
+        scopes.set("b", "");
+    }
+    EXPECT_EQ(shownNow(), "12-");
+    EXPECT_EQ(shown(outermost), "{a=1}{b=2}");
+}
+
 TEST(Expansion, KeepsWhatLatin1Lacks)
 {
     const QString longName(100, u'n');
-    const MacroMap macros{{u"wide"_s, u"\u0131\u00E9"_s}, {longName, u"v"_s}};
+    MacroMap macros{{u"wide"_s, u"\u0131\u00E9"_s}, {longName, u"v"_s}, {u"\u0131"_s, u"found"_s}};
     EXPECT_EQ(globalMacros.expandMacros(macros, u"\u20AC$(wide)"_s, false),
               u"\u20AC\u0131\u00E9"_s);
-    std::string narrow;
-    EXPECT_TRUE(globalMacros.expandLatin1(macros, "\xFF$(wide)", false, &narrow));
-    EXPECT_EQ(narrow, "\xFF?\xE9");
     EXPECT_EQ(expanded("$(" + longName.toStdString() + ")", macros), "v");
+    MacroScopes scopes(&macros);
+    std::string narrow;
+    globalMacros.expandLatin1(scopes, "\xFF$(wide)", &narrow);
+    EXPECT_EQ(narrow, "\xFF?\xE9");
+    EXPECT_EQ(*scopes.find(u"\u0131"_s), u"found"_s);
 }
 
 TEST(Expansion, Ends)
@@ -135,7 +165,9 @@ TEST(Expansion, Ends)
     EXPECT_EQ(expanded(nested, {}), "end");
     const auto size = [](const std::string &text, const QString &value) {
         std::string result;
-        globalMacros.expandLatin1({{u"g$"_s, value}}, text, false, &result);
+        const MacroMap macros{{u"g$"_s, value}};
+        MapLookup lookup(&macros);
+        globalMacros.expandLatin1(lookup, text, &result);
         return result.size();
     };
     // Each pass brings the next one about: one character more each time, and twice as many.

@@ -155,6 +155,12 @@ TEST(Limits, AreMetFromBothSides)
                  "r(xmlput[name=f])" +
                      tooMuch},
                 {.growth = 500});
+    const std::string rounds = "' incr='1'><![CDATA[x]]></for><b/></r> => r";
+    expectWalks({loop + "'0' end='500000" + rounds + "(b)",
+                 loop + "'0' end='900000" + rounds +
+                     "(for[index=i start=0 end=900000 incr=1]([x]),b) ! directives make more "
+                     "than 600000 steps of work"},
+                {.work = 600000});
 }
 
 TEST(Limits, TakeLessThanHalfOfTheStack)

@@ -1,4 +1,5 @@
 #include "datetime.h"
+#include "latin1.h"
 #include "macrovalues.h"
 
 #include <algorithm>
@@ -9,9 +10,11 @@
 namespace
 {
 
-/// Thrown by an 8-bit expansion that meets a value with a character above 0xFF.
-struct NotLatin1 {
-};
+std::u16string_view toView(const QString &text)
+{
+    return {reinterpret_cast<const char16_t *>(text.constData()),
+            static_cast<std::size_t>(text.size())};
+}
 
 /// One expansion, in passes over text of \a Char: char for Latin-1, char16_t for UTF-16.
 template <typename Char>
@@ -52,14 +55,21 @@ public:
     }
 
 private:
+    /// Where in the text a reference is.
+    struct Reference {
+        std::size_t start;               ///< behind the opening parenthesis
+        std::size_t end = View::npos;    ///< the closing one
+        std::size_t colon = View::npos;  ///< the first in it
+        bool isNested = false;           ///< the introducer is in it
+    };
+
     void runPass(View text);
     std::size_t skipUnclosed(View text, std::size_t start);
-    bool findEnd(View text, std::size_t start, std::size_t *end);
+    bool findEnd(View text, Reference *reference);
     void noteUnclosed(View text, std::size_t from);
-    void substitute(View reference, View inner);
+    void substitute(View text, const Reference &reference);
     void append(View piece);
-    void append(const QString &value);
-    const QString *find(View name);
+    bool lookUp(View name, View *value);
 
     MacroLookup &macros;
     const Char introducer;
@@ -69,6 +79,7 @@ private:
     bool isNull = true;
     bool rescan = false;
     QString builtinValue;
+    QByteArray narrowBuiltinValue;
 
     /// Per character of the pass's text, whether it is an opening parenthesis that nothing
     /// closes. Made when the first unterminated reference is met, so that no later one needs a
@@ -83,6 +94,7 @@ void Expansion<Char>::runPass(View text)
 {
     rescan = false;
     unclosed.clear();
+    macros.scanned += text.size();
     std::size_t position = 0;
     while (position < text.size()) {
         const std::size_t found = text.find(introducer, position);
@@ -95,29 +107,35 @@ void Expansion<Char>::runPass(View text)
             position = found + 1;
             continue;
         }
-        std::size_t end = 0;
-        if (!findEnd(text, start, &end)) {
+        Reference reference{start};
+        if (!findEnd(text, &reference)) {
             position = skipUnclosed(text, start);
             continue;
         }
-        substitute(text.substr(found, end + 1 - found), text.substr(start, end - start));
-        position = end + 1;
+        substitute(text, reference);
+        position = reference.end + 1;
     }
 }
 
-/// Finds the parenthesis that balances the one before \a start.
+/// Finds the parenthesis that balances the one before the reference's start, and what is between
+/// them.
 template <typename Char>
-bool Expansion<Char>::findEnd(View text, std::size_t start, std::size_t *end)
+bool Expansion<Char>::findEnd(View text, Reference *reference)
 {
+    const std::size_t start = reference->start;
     if (!unclosed.empty() && unclosed[start - 1])
         return false;
     std::size_t depth = 1;
     for (std::size_t i = start; i < text.size(); ++i) {
-        if (text[i] == Char(')') && --depth == 0) {
-            *end = i;
+        const Char c = text[i];
+        if (c == Char(')') && --depth == 0) {
+            reference->end = i;
             return true;
         }
-        depth += text[i] == Char('(');
+        depth += c == Char('(');
+        if (c == Char(':') && reference->colon == View::npos)
+            reference->colon = i;
+        reference->isNested = reference->isNested || c == introducer;
     }
     noteUnclosed(text, start - 1);
     return false;
@@ -158,42 +176,52 @@ std::size_t Expansion<Char>::skipUnclosed(View text, std::size_t start)
     return start - 1;
 }
 
-/// Appends what \a reference stands for; \a inner is the text between its parentheses.
+/// Appends what \a reference stands for.
 template <typename Char>
-void Expansion<Char>::substitute(View reference, View inner)
+void Expansion<Char>::substitute(View text, const Reference &reference)
 {
-    if (inner.find(introducer) != View::npos)
-        rescan = true;
-    View name = inner;
-    View fallback = reference;
-    if (const std::size_t colon = inner.find(Char(':')); colon != View::npos) {
-        name = inner.substr(0, colon);
-        fallback = inner.substr(colon + 1);
+    const auto [start, end, colon, isNested] = reference;
+    rescan = rescan || isNested;
+    View name = text.substr(start, end - start);
+    View fallback = text.substr(start - 2, end + 3 - start);
+    if (colon != View::npos) {
+        name = text.substr(start, colon - start);
+        fallback = text.substr(colon + 1, end - colon - 1);
         if (!fallback.empty() && fallback.front() == Char(':')) {
             fallback.remove_prefix(1);
             rescan = false;
         }
     }
-    if (const QString *value = find(name)) {
-        append(*value);
-    } else {
-        append(fallback);
-        isNull = false;
-    }
+    View value;
+    const bool isFound = lookUp(name, &value);
+    isNull = isNull && isFound && !value.data();
+    append(isFound ? value : fallback);
 }
 
+/// A null text gives a view of nothing at all.
 template <typename Char>
-const QString *Expansion<Char>::find(View name)
+bool Expansion<Char>::lookUp(View name, View *value)
 {
-    const auto lookUp = [this](const QString &key) {
-        const QString *value = macros.find(key);
-        return value && builtinMacroValue(key, builtinValue) ? &builtinValue : value;
-    };
-    if constexpr (std::is_same_v<Char, char>)
-        return lookUp(MacroKey(name));
-    else
-        return lookUp(QString::fromRawData(reinterpret_cast<const QChar *>(name.data()),
-                                           static_cast<qsizetype>(name.size())));
+    if constexpr (std::is_same_v<Char, char>) {
+        if (!macros.findLatin1(name, value))
+            return false;
+        const bool canBeBuiltin = name.starts_with('D') || name.starts_with('T');
+        if (canBeBuiltin && builtinMacroValue(fromLatin1(name), builtinValue)) {
+            narrowBuiltinValue = builtinValue.toLatin1();
+            *value = {narrowBuiltinValue.constData(),
+                      static_cast<std::size_t>(narrowBuiltinValue.size())};
+        }
+    } else {
+        const auto key = QString::fromRawData(reinterpret_cast<const QChar *>(name.data()),
+                                              static_cast<qsizetype>(name.size()));
+        const QString *found = macros.find(key);
+        if (!found)
+            return false;
+        if (builtinMacroValue(key, builtinValue))
+            found = &builtinValue;
+        *value = found->isNull() ? View() : toView(*found);
+    }
+    return true;
 }
 
 template <typename Char>
@@ -203,24 +231,6 @@ void Expansion<Char>::append(View piece)
         return;
     isNull = false;
     result.append(piece);
-    if (result.size() > longest)
-        throw std::bad_alloc();
-}
-
-template <typename Char>
-void Expansion<Char>::append(const QString &value)
-{
-    isNull = isNull && value.isNull();
-    const std::size_t before = result.size();
-    result.resize(before + static_cast<std::size_t>(value.size()));
-    char16_t bits = 0;
-    const auto *from = reinterpret_cast<const char16_t *>(value.constData());
-    for (std::size_t i = before; i < result.size(); ++i, ++from) {
-        bits |= *from;
-        result[i] = static_cast<Char>(*from);
-    }
-    if (sizeof(Char) == 1 && bits > 0xFF)
-        throw NotLatin1();
     if (result.size() > longest)
         throw std::bad_alloc();
 }
@@ -238,18 +248,10 @@ QString MacroValues::expand(MacroLookup &macros, const QString &text) const
 {
     std::u16string result;
     Expansion<char16_t> expansion(&macros, *this, &result);
-    if (!expansion.run({reinterpret_cast<const char16_t *>(text.constData()),
-                        static_cast<std::size_t>(text.size())}))
+    if (!expansion.run(toView(text)))
         return {};
     return QString(reinterpret_cast<const QChar *>(result.data()),
                    static_cast<qsizetype>(result.size()));
-}
-
-bool MacroValues::expandLatin1(const MacroMap &macros, std::string_view text, bool useSystemMacros,
-                               std::string *result) const
-{
-    MapLookup lookup(&macros, useSystemMacros ? &systemMacros : nullptr);
-    return expandLatin1(lookup, text, result);
 }
 
 bool MacroValues::expandLatin1(MacroLookup &macros, std::string_view text,
@@ -258,8 +260,7 @@ bool MacroValues::expandLatin1(MacroLookup &macros, std::string_view text,
     try {
         return Expansion<char>(&macros, *this, result).run(text);
     } catch (const NotLatin1 &) {
-        const QString wide =
-            expand(macros, QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size())));
+        const QString wide = expand(macros, fromLatin1(text));
         *result = wide.toLatin1().toStdString();
         return !wide.isNull();
     }

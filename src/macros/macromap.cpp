@@ -1,17 +1,27 @@
 #include "macromap.h"
 
-#include <algorithm>
+#include "latin1.h"
 
-MacroKey::MacroKey(std::string_view name)
+const QString *MacroLookup::find(const QString &name)
 {
-    if (name.size() > longestInPlace) {
-        key = QString::fromLatin1(name.data(), static_cast<qsizetype>(name.size()));
-        return;
-    }
-    std::transform(name.begin(), name.end(), buffer,
-                   [](char c) { return static_cast<char16_t>(static_cast<unsigned char>(c)); });
-    key = QString::fromRawData(reinterpret_cast<const QChar *>(buffer),
-                               static_cast<qsizetype>(name.size()));
+    std::string_view value;
+    if (!isLatin1(name) || !findLatin1(name.toLatin1().toStdString(), &value))
+        return nullptr;
+    wideValue = fromLatin1(value);
+    return &wideValue;
+}
+
+bool MapLookup::findLatin1(std::string_view name, std::string_view *value)
+{
+    const QString *found = find(fromLatin1(name));
+    if (!found)
+        return false;
+    if (!isLatin1(*found))
+        throw NotLatin1();
+    narrowValue = found->toLatin1();
+    *value = {found->isNull() ? nullptr : narrowValue.constData(),
+              static_cast<std::size_t>(narrowValue.size())};
+    return true;
 }
 
 const QString *MapLookup::find(const QString &name)
@@ -22,11 +32,4 @@ const QString *MapLookup::find(const QString &name)
     if (!second || (found = second->constFind(name)) == second->cend())
         return nullptr;
     return &found.value();
-}
-
-const QString *findMacro(const MacroMap &macros, const char *name)
-{
-    const MacroKey key(name ? std::string_view(name) : std::string_view());
-    const auto found = macros.constFind(key);
-    return found == macros.cend() ? nullptr : &found.value();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QMap>
 #include <QString>
 
@@ -8,36 +9,31 @@
 
 /// Macro values by name, ordered by the UTF-16 code units of the names. Names are
 /// case-sensitive and any text can be one, the empty text included; a name with an empty value
-/// is defined. Copies share their data until one of them changes, so a map is passed by value
-/// at next to no cost, but the first change of a shared one copies all of it.
+/// is defined.
 using MacroMap = QMap<QString, QString>;
 
-/// A Latin-1 name as a key to look up, made without an allocation when it is short. The key
-/// points into this object: it is only ever looked up, never stored in a map.
-class MacroKey
-{
-public:
-    explicit MacroKey(std::string_view name);
-    MacroKey(const MacroKey &) = delete;
-    MacroKey &operator=(const MacroKey &) = delete;
-
-    operator const QString &() const { return key; }
-
-private:
-    static constexpr std::size_t longestInPlace = 64;
-
-    char16_t buffer[longestInPlace];
-    QString key;
+/// Thrown where a value that is asked for in Latin-1 has a character above 0xFF.
+struct NotLatin1 {
 };
 
-/// Where names are looked up that are not, or not all, in one map.
+/// Where an expansion looks names up. A value that is found is valid until the next call.
 class MacroLookup
 {
 public:
     virtual ~MacroLookup() = default;
 
-    /// The value of the macro \a name, null when there is none. Valid until the next call.
-    virtual const QString *find(const QString &name) = 0;
+    /// Whether there is a macro of that Latin-1 name. *value receives its value: a view of nothing
+    /// at all for a null text. Throws NotLatin1.
+    virtual bool findLatin1(std::string_view name, std::string_view *value) = 0;
+
+    /// The value of any macro, null when there is none. Unless this is overridden, Latin-1 can
+    /// spell all names and values.
+    virtual const QString *find(const QString &name);
+
+    std::size_t scanned = 0;  ///< characters that expansions have read with this lookup
+
+protected:
+    QString wideValue;  ///< room for what find() returns
 };
 
 /// Looks names up in a map and then, if there is one, in a second.
@@ -50,13 +46,11 @@ public:
     {
     }
 
+    bool findLatin1(std::string_view name, std::string_view *value) override;
     const QString *find(const QString &name) override;
 
 private:
+    QByteArray narrowValue;
     const MacroMap &first;
     const MacroMap *second;
 };
-
-/// The value of the macro \a name (Latin-1, null meaning the empty name), null when \a macros
-/// has none. Never inserts; the result is valid until \a macros changes.
-const QString *findMacro(const MacroMap &macros, const char *name);

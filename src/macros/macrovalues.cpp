@@ -1,6 +1,6 @@
 #include "macrovalues.h"
 
-#include <utility>
+#include "macrolist.h"
 
 MacroValues globalMacros;
 
@@ -30,27 +30,12 @@ void MacroValues::setSystemMacro(const QString &name, const QString &value)
 QStringList MacroValues::splitMacroList(const QString &text, bool keepEmpty)
 {
     QStringList items;
-    QString item;
-    qsizetype runStart = 0;  // of the characters that stand for themselves
-    const auto takeRun = [&](qsizetype end) {
-        item += QStringView(text).sliced(runStart, end - runStart);
-    };
-    const auto finishItem = [&] {
-        if (keepEmpty || !item.isEmpty())
-            items.append(std::exchange(item, QString()));
-    };
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        if (text[i] == u'\\' && i + 1 < text.size()) {
-            takeRun(i);
-            runStart = ++i;
-        } else if (text[i] == u';') {
-            takeRun(i);
-            finishItem();
-            runStart = i + 1;
-        }
-    }
-    takeRun(text.size());
-    finishItem();
+    const std::u16string_view view(reinterpret_cast<const char16_t *>(text.constData()),
+                                   static_cast<std::size_t>(text.size()));
+    forEachListItem(view, [&](std::u16string_view item) {
+        if (keepEmpty || !item.empty())
+            items.append(QStringView(item).toString());
+    });
     return items;
 }
 

@@ -51,10 +51,6 @@ public:
     /// The same for Latin-1 text, without the way through UTF-16. \a result receives the
     /// expansion, '?' standing for what Latin-1 lacks; it must not hold \a text itself. Returns
     /// false, with an empty \a result, where expandMacros() gives a null text.
-    bool expandLatin1(const MacroMap &macros, std::string_view text, bool useSystemMacros,
-                      std::string *result) const;
-
-    /// The same with names that only \a macros knows.
     bool expandLatin1(MacroLookup &macros, std::string_view text, std::string *result) const;
 
     /// What bounds an expansion.

@@ -1,19 +1,22 @@
 #include "alternatives.h"
 
-#include <QLatin1StringView>
-
-#include <cstring>
-
-bool hasAlternative(const char *list, const QString &value)
+bool hasAlternative(const char *list, std::string_view value)
 {
-    if (!list || value.isEmpty())
+    if (!list || value.empty())
         return false;
-    for (;;) {
-        const std::size_t length = std::strcspn(list, ",");
-        if (value == QLatin1StringView(list, static_cast<qsizetype>(length)))
+    std::size_t length = 0;  // of the piece so far
+    bool matches = true;
+    for (;; ++list) {
+        if (*list != ',' && *list != '\0') {
+            matches = matches && length < value.size() && *list == value[length];
+            ++length;
+        } else if (matches && length == value.size()) {
             return true;
-        if (list[length] == '\0')
+        } else if (*list == '\0') {
             return false;
-        list += length + 1;
+        } else {
+            length = 0;
+            matches = true;
+        }
     }
 }

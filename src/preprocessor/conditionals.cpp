@@ -4,55 +4,61 @@
 
 #include <cstring>
 
-Outcome Walk::handleIf(XMLElement &element, Level &level)
+Outcome Walk::handleIf(XMLElement &element, const Level &)
 {
-    return unwrapByAttribute(element, level, true);
+    return unwrapByAttribute(element, true);
 }
 
-Outcome Walk::handleIfnot(XMLElement &element, Level &level)
+Outcome Walk::handleIfnot(XMLElement &element, const Level &)
 {
-    return unwrapByAttribute(element, level, false);
+    return unwrapByAttribute(element, false);
 }
 
 /// The one attribute names a macro and lists alternatives; \a wanted tells whether one of them
 /// must be the macro's value.
-Outcome Walk::unwrapByAttribute(XMLElement &element, Level &level, bool wanted)
+Outcome Walk::unwrapByAttribute(XMLElement &element, bool wanted)
 {
     const XMLAttribute *condition = element.attributes().first;
     if (!condition || condition->next) {
         report(QStringLiteral("one condition required for <if[not]>"));
         return Outcome::ordinary();
     }
-    const bool matches = hasAlternative(condition->value, lookUpOrDefine(level, condition->name));
+    const bool matches = hasAlternative(condition->value, lookUpOrDefine(condition->name));
     return Outcome::unwrapIf(matches == wanted, element);
 }
 
-Outcome Walk::handleIfex(XMLElement &element, Level &level)
+Outcome Walk::handleIfex(XMLElement &element, const Level &)
 {
     const char *expression = element.attribute("expression");
     if (!expression || *expression == '\0')
         return Outcome::ordinary();
     SimpleExpressionParser parser;
     bool ok = false;
-    const bool value = parser.evaluateBool(expanded(level, expression).c_str(), &ok);
+    const bool value = parser.evaluateBool(expanded(expression).c_str(), &ok);
     return Outcome::unwrapIf(ok && value, element);
 }
 
-Outcome Walk::handleIfdef(XMLElement &element, Level &level)
+bool Walk::isDefined(const XMLElement &element) const
 {
-    return Outcome::unwrapIf(findMacro(level.macros, element.attribute("name")), element);
+    const char *name = element.attribute("name");
+    return macros.contains(name ? name : "");
 }
 
-Outcome Walk::handleIfndef(XMLElement &element, Level &level)
+Outcome Walk::handleIfdef(XMLElement &element, const Level &)
 {
-    return Outcome::unwrapIf(!findMacro(level.macros, element.attribute("name")), element);
+    return Outcome::unwrapIf(isDefined(element), element);
+}
+
+Outcome Walk::handleIfndef(XMLElement &element, const Level &)
+{
+    return Outcome::unwrapIf(!isDefined(element), element);
 }
 
 /// The first <case> with a matching alternative is selected, else the last <default>. That is
 /// settled before the children are walked, so alternatives count as they are written.
-Outcome Walk::handleSwitch(XMLElement &element, Level &level)
+Outcome Walk::handleSwitch(XMLElement &element, const Level &)
 {
-    const QString value = lookUpOrDefine(level, element.attribute("name"));
+    const std::string_view value = lookUpOrDefine(element.attribute("name"));
     XMLNode *selected = nullptr;
     for (XMLNode *child = element.firstChild; child; child = child->nextSibling) {
         if (child->kind() != XMLNode::Kind::Element)

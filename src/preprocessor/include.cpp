@@ -14,10 +14,10 @@ namespace
 /// indexes, however many there are.
 void inheritAttributes(const XMLElement &source, const char *list, XMLElement *target)
 {
-    std::unordered_map<std::string_view, const char *> values;
+    std::unordered_map<std::string_view, const char *, NameHash> values;
     for (const XMLAttribute &attribute : source.attributes())
         values.emplace(attribute.name, attribute.value);
-    std::unordered_map<std::string_view, XMLAttribute *> present;
+    std::unordered_map<std::string_view, XMLAttribute *, NameHash> present;
     for (XMLAttribute &attribute : target->attributes())
         present.emplace(attribute.name, &attribute);
     XMLAttributeAppender appender(&target->attributes());
@@ -38,7 +38,7 @@ void inheritAttributes(const XMLElement &source, const char *list, XMLElement *t
 
 }  // namespace
 
-Outcome Walk::handleInclude(XMLElement &element, Level &level)
+Outcome Walk::handleInclude(XMLElement &element, const Level &level)
 {
     if (!element.hasAttribute("filename")) {
         report(QStringLiteral("missing filename in <include>"));
@@ -59,7 +59,7 @@ Outcome Walk::handleInclude(XMLElement &element, Level &level)
     auto scope = contentScope(element, level, path);
     ++scope->includes;
     if (scope->expand)
-        document.expandAttributes(included, scope->macros);
+        document.expandAttributes(included, macros);
     if (const char *inherited = element.attribute("inherit_attributes"))
         inheritAttributes(element, inherited, included);
 
@@ -78,8 +78,12 @@ Outcome Walk::handleInclude(XMLElement &element, Level &level)
 /// after an error was reported.
 XMLElement *Walk::loadInclude(const QString &path)
 {
+    work += stepsPerInclude;
     XMLNode *const root = document.root;
+    const std::size_t bytesBefore = document.bytesUsed();
     const bool ok = document.load(path);
+    if (filesRead.insert(path).second)
+        workAtMost += stepsPerByteRead * (document.bytesUsed() - bytesBefore);
     XMLNode *const included = document.root;
     document.root = root;
     if (ok && included)

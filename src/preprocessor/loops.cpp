@@ -2,14 +2,14 @@
 #include "simpleexpressionparser.h"
 #include "walk.h"
 
-#include <QHash>
-#include <QStringList>
-
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
 #include <vector>
-
-using namespace Qt::StringLiterals;
 
 /// The rounds of a loop, and the macros that the copies of its body are expanded with in each.
 class LoopRounds : public MacroLookup
@@ -44,13 +44,14 @@ public:
         return counted;
     }
 
-    void begin(const QString &index)
+    void begin(std::string_view index)
     {
         current = start;
         counterName = index;
     }
 
     /// Makes only the macro that is asked for: few bodies use all of them.
+    bool findLatin1(std::string_view name, std::string_view *found) override;
     const QString *find(const QString &name) override;
 
     bool advance() override
@@ -63,37 +64,62 @@ private:
     /// A macro of the round by what follows the counter's name in its own; its value is made of
     /// the counter and of what factor and offset make of that.
     struct Derived {
-        QLatin1StringView suffix;
-        QString (*value)(std::uint32_t counter, std::uint32_t derived);
+        std::string_view suffix;
+        std::string (*value)(std::uint32_t counter, std::uint32_t derived);
     };
     static const Derived derivedMacros[];
 
     std::uint32_t current = 0;
-    QString counterName;
-    QString value;
+    std::string_view counterName;
+    std::string value;
 };
 
+namespace
+{
+
+/// 0 gives A. Past Z the codes go on, and begin again at 2^16.
+char16_t letter(std::uint32_t counter)
+{
+    return static_cast<char16_t>(counter + 'A');
+}
+
+}  // namespace
+
 const CountedRounds::Derived CountedRounds::derivedMacros[] = {
-    {""_L1, [](std::uint32_t i, std::uint32_t) { return QString::number(i); }},
-    {"_alpha"_L1,
-     [](std::uint32_t i, std::uint32_t) { return QString(QChar(static_cast<char16_t>(i + 65))); }},
-    {"_hex"_L1, [](std::uint32_t i, std::uint32_t) { return toHexadecimal(i); }},
-    {"_ap"_L1, [](std::uint32_t, std::uint32_t ap) { return QString::number(ap); }},
-    {"_ap_hex"_L1, [](std::uint32_t, std::uint32_t ap) { return toHexadecimal(ap); }},
+    {"", [](std::uint32_t i, std::uint32_t) { return std::to_string(i); }},
+    {"_alpha",
+     [](std::uint32_t i, std::uint32_t) {
+         if (letter(i) > 0xFF)
+             throw NotLatin1();
+         return std::string(1, static_cast<char>(letter(i)));
+     }},
+    {"_hex", [](std::uint32_t i, std::uint32_t) { return toHexadecimal(i); }},
+    {"_ap", [](std::uint32_t, std::uint32_t ap) { return std::to_string(ap); }},
+    {"_ap_hex", [](std::uint32_t, std::uint32_t ap) { return toHexadecimal(ap); }},
 };
+
+bool CountedRounds::findLatin1(std::string_view name, std::string_view *found)
+{
+    if (!name.starts_with(counterName))
+        return false;
+    const std::string_view suffix = name.substr(counterName.size());
+    const auto *derived = std::find_if(std::begin(derivedMacros), std::end(derivedMacros),
+                                       [&](const Derived &row) { return row.suffix == suffix; });
+    if (derived == std::end(derivedMacros))
+        return false;
+    value = derived->value(current, current * factor + offset);
+    *found = value;
+    return true;
+}
 
 const QString *CountedRounds::find(const QString &name)
 {
-    if (!name.startsWith(counterName))
-        return nullptr;
-    const QStringView suffix = QStringView(name).sliced(counterName.size());
-    for (const Derived &derived : derivedMacros) {
-        if (suffix == derived.suffix) {
-            value = derived.value(current, current * factor + offset);
-            return &value;
-        }
+    try {
+        return LoopRounds::find(name);
+    } catch (const NotLatin1 &) {
+        wideValue = QChar(letter(current));
+        return &wideValue;
     }
-    return nullptr;
 }
 
 namespace
@@ -103,13 +129,20 @@ namespace
 class CombinedRounds : public LoopRounds
 {
 public:
-    void addList(const QString &name, const QString &values)
+    /// \a values are separated by commas; empty ones do not count.
+    void addList(std::string_view name, std::string_view values)
     {
-        const QStringList list = values.split(u',', Qt::SkipEmptyParts);
-        positions.insert(name, lists.size());
-        if (list.size() != 1)
+        List list;
+        while (!values.empty()) {
+            const std::size_t length = std::min(values.find(','), values.size());
+            if (length > 0)
+                list.values.push_back(values.substr(0, length));
+            values.remove_prefix(std::min(length + 1, values.size()));
+        }
+        positions.insert_or_assign(name, lists.size());
+        if (list.values.size() != 1)
             varying.push_back(lists.size());
-        lists.push_back({list, 0});
+        lists.push_back(std::move(list));
     }
 
     /// The number of combinations, \a most + 1 if there are more than \a most.
@@ -118,20 +151,21 @@ public:
         std::uint64_t product = 1;
         bool isEmpty = false;
         for (const List &list : lists) {
-            isEmpty = isEmpty || list.values.isEmpty();
-            product = std::min<std::uint64_t>(
-                product * static_cast<std::uint64_t>(list.values.size()), std::uint64_t{most} + 1);
+            isEmpty = isEmpty || list.values.empty();
+            product =
+                std::min<std::uint64_t>(product * list.values.size(), std::uint64_t{most} + 1);
         }
         return isEmpty ? 0 : static_cast<unsigned>(product);
     }
 
-    const QString *find(const QString &name) override
+    bool findLatin1(std::string_view name, std::string_view *found) override
     {
-        const auto position = positions.constFind(name);
-        if (position == positions.cend())
-            return nullptr;
-        const List &list = lists[*position];
-        return &list.values[list.current];
+        const auto position = positions.find(name);
+        if (position == positions.end())
+            return false;
+        const List &list = lists[position->second];
+        *found = list.values[list.current];
+        return true;
     }
 
     bool advance() override
@@ -147,43 +181,46 @@ public:
 
 private:
     struct List {
-        QStringList values;
-        qsizetype current;
+        std::vector<std::string_view> values;
+        std::size_t current = 0;
     };
 
     std::vector<List> lists;
     std::vector<std::size_t> varying;  ///< the lists that do not have just one value
-    QHash<QString, std::size_t> positions;
+    std::unordered_map<std::string_view, std::size_t, NameHash> positions;
 };
 
 }  // namespace
 
-Outcome Walk::handleFor(XMLElement &element, Level &level)
+Outcome Walk::handleFor(XMLElement &element, const Level &)
 {
     const bool isComplete = element.hasAttribute("index") && element.hasAttribute("start") &&
                             element.hasAttribute("end") && element.hasAttribute("incr") &&
                             element.firstChild;
     CountedRounds rounds;
     if (isComplete)
-        readRounds(element, level, &rounds);
+        readRounds(element, &rounds);
     if (!isComplete || (rounds.step == 0 && rounds.start < rounds.end)) {
         report(QStringLiteral("<for index=\"i\" start=\"0\" end=\"32\" incr=\"1\">"));
         return Outcome::remove();
     }
-    rounds.begin(QString::fromLatin1(element.attribute("index")));
+    const char *index = element.attribute("index");
+    rounds.begin(index ? index : "");
     return {.keep = false,
             .following = copyRounds(element, rounds.count(limits.loopRounds), &rounds)};
 }
 
-void Walk::readRounds(const XMLElement &element, const Level &level, CountedRounds *rounds)
+void Walk::readRounds(const XMLElement &element, CountedRounds *rounds)
 {
     SimpleExpressionParser parser;
     bool ok = false;
     const auto bound = [&](const char *name) {
-        return static_cast<std::uint32_t>(parser.evaluateUnsigned(element.attribute(name), &ok));
+        const char *text = element.attribute(name);
+        work += stepsPerExpressionCharacter * (text ? std::strlen(text) : 0);
+        return static_cast<std::uint32_t>(parser.evaluateUnsigned(text, &ok));
     };
     const auto derived = [&](const char *name) {
-        const std::string text = expanded(level, element.attribute(name));
+        const std::string text = expanded(element.attribute(name));
         return static_cast<std::uint32_t>(parser.evaluateSigned(text.c_str(), &ok));
     };
     if (element.hasAttribute("add"))
@@ -197,11 +234,11 @@ void Walk::readRounds(const XMLElement &element, const Level &level, CountedRoun
     rounds->step = bound("incr");
 }
 
-Outcome Walk::handleForeach(XMLElement &element, Level &)
+Outcome Walk::handleForeach(XMLElement &element, const Level &)
 {
     CombinedRounds rounds;
     for (const XMLAttribute &attribute : element.attributes())
-        rounds.addList(QString::fromLatin1(attribute.name), QString::fromLatin1(attribute.value));
+        rounds.addList(attribute.name, attribute.value ? attribute.value : "");
     return {.keep = false,
             .following = copyRounds(element, rounds.count(limits.loopRounds), &rounds)};
 }
@@ -219,13 +256,15 @@ Chain Walk::copyRounds(const XMLElement &loop, unsigned count, LoopRounds *round
     const auto isElement = [](const XMLNode *node) {
         return node && node->kind() == XMLNode::Kind::Element;
     };
+    work += count;
     if (count == 0 || !isElement(loop.firstChild))
         return copies;
     do {
         for (const XMLNode *child = loop.firstChild; isElement(child); child = child->nextSibling) {
             copies.append(
                 document.copyElementExpanded(static_cast<const XMLElement *>(child), *rounds));
-            if (stopIfGrownTooFar())
+            work += stepsPerScannedCharacter * std::exchange(rounds->scanned, 0);
+            if (stopPastBounds())
                 return copies;
         }
     } while (rounds->advance());

@@ -40,11 +40,13 @@ const Walk::Directive *Walk::findDirective(const char *tag)
     return nullptr;
 }
 
-Walk::Walk(XMLPP2 *target)
+Walk::Walk(XMLPP2 *target, MacroMap *outermostMacros)
     : document(*target),
       limits(target->limits),
+      macros(outermostMacros),
       firstRoot(target->root),
-      bytesAtStart(target->bytesUsed())
+      bytesAtStart(target->bytesUsed()),
+      workAtMost(limits.work + stepsPerByteRead * bytesAtStart)
 {
 }
 
@@ -74,13 +76,13 @@ XMLNode **Walk::walkChain(XMLNode **link, Level &level)
         }
         auto &element = static_cast<XMLElement &>(*node);
         if (level.expand)
-            document.expandAttributes(&element, level.macros);
+            document.expandAttributes(&element, macros);
         if (const Directive *directive = findDirective(element.name())) {
             const Outcome outcome = (this->*directive->handler)(element, level);
-            if (!stopIfGrownTooFar())
+            if (!stopPastBounds())
                 link = apply(link, element, outcome, level);
         } else {
-            if (!stopIfGrownTooFar())
+            if (!stopPastBounds())
                 walkOwnChildren(element, level, level.dissolving);
             link = &element.nextSibling;
         }
@@ -125,7 +127,7 @@ void Walk::walkContent(XMLElement &element, const Outcome &outcome, Level &level
     if (outcome.scope) {
         Scope &scope = *outcome.scope;
         walkChildren(outcome.standIn ? outcome.standIn : outcome.replacement,
-                     {scope.fileName, scope.macros, scope.expand, scope.includes, dissolving});
+                     {scope.fileName, scope.expand, scope.includes, dissolving});
     } else if (outcome.processChildren) {
         walkOwnChildren(element, level, dissolving);
     }
@@ -135,8 +137,8 @@ void Walk::walkOwnChildren(XMLElement &element, const Level &level, Dissolving *
 {
     if (!element.firstChild)
         return;
-    MacroMap macros = level.macros;
-    walkChildren(&element, {level.fileName, macros, level.expand, level.includes, dissolving});
+    const MacroScopes::Scope scope(&macros);
+    walkChildren(&element, {level.fileName, level.expand, level.includes, dissolving});
 }
 
 void Walk::walkChildren(XMLNode *parent, Level level)
@@ -164,18 +166,26 @@ void Walk::checkRoot()
         report(QStringLiteral("the document needs exactly one root element"));
 }
 
-QString Walk::lookUpOrDefine(Level &level, const char *name)
+std::string_view Walk::lookUpOrDefine(const char *name)
 {
-    if (const QString *value = findMacro(level.macros, name))
-        return *value;
-    return *level.macros.insert(QString::fromLatin1(name), QStringLiteral(""));
+    const std::string_view key = name ? name : "";
+    std::string_view value;
+    try {
+        if (macros.findLatin1(key, &value))
+            return value;
+        macros.set(key, "");
+    } catch (const NotLatin1 &) {
+        // Nothing in a document can be such a value, as nothing can be an empty one.
+    }
+    return "";
 }
 
 /// \a text with the level's macros in it, for an expression that is about to be evaluated.
-std::string Walk::expanded(const Level &level, const char *text)
+std::string Walk::expanded(const char *text)
 {
     std::string result;
-    globalMacros.expandLatin1(level.macros, text ? text : "", false, &result);
+    globalMacros.expandLatin1(macros, text ? text : "", &result);
+    work += stepsPerExpressionCharacter * result.size();
     return result;
 }
 
@@ -183,16 +193,15 @@ std::string Walk::expanded(const Level &level, const char *text)
 std::unique_ptr<Scope> Walk::contentScope(const XMLElement &directive, const Level &level,
                                           const QString &fileName)
 {
-    auto scope =
-        std::make_unique<Scope>(Scope{fileName, level.macros, level.expand, level.includes});
+    auto scope = std::make_unique<Scope>(&macros, fileName, level.expand, level.includes);
     const bool takesMacros = level.expand || directive.hasAttribute("expand_macros");
-    if (!takesMacros || !directive.hasAttribute("macros"))
-        return scope;
-    QString list = QString::fromLatin1(directive.attribute("macros"));
-    list.remove(u'\n');
-    const QStringList items = MacroValues::splitMacroList(list, false);
-    scope->macros = MacroValues::mergeMacros(level.macros, MacroValues::parseMacroList(items));
-    scope->expand = true;
+    if (takesMacros && directive.hasAttribute("macros")) {
+        const char *list = directive.attribute("macros");
+        const std::string_view items = list ? list : "";
+        macros.setList(items);
+        work += stepsPerListCharacter * items.size();
+        scope->expand = true;
+    }
     return scope;
 }
 
@@ -211,4 +220,9 @@ void Walk::reportGrowth()
 {
     reportAndStop(
         QStringLiteral("directives bring more than %1 bytes into the document").arg(limits.growth));
+}
+
+void Walk::reportWork()
+{
+    reportAndStop(QStringLiteral("directives make more than %1 steps of work").arg(limits.work));
 }

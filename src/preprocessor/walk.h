@@ -1,9 +1,14 @@
 #pragma once
 
+#include "macroscopes.h"
 #include "xmlpp2.h"
 
+#include <cstdint>
 #include <memory>
+#include <set>
 #include <string>
+#include <unordered_map>
+#include <utility>
 
 /// A node whose children are about to take the place of another one. They are given their new
 /// parent while they are walked and the end of their chain is kept, so that no splice walks the
@@ -17,17 +22,25 @@ struct Dissolving {
 /// Where a chain of siblings stands.
 struct Level {
     const QString &fileName;           ///< the file that holds it, as it was named
-    MacroMap &macros;                  ///< the level's own map
     bool expand;                       ///< whether attribute values are expanded
     int includes;                      ///< how many includes it is nested in
     Dissolving *dissolving = nullptr;  ///< what may be met among the chain's nodes or above them
     XMLNode *home = nullptr;           ///< the parent that the chain's nodes will have
 };
 
-/// A level that content from elsewhere, an included file or a fragment, brings with it.
+/// A level that content from elsewhere, an included file or a fragment, brings with it. Its macros
+/// are in force as long as it lives.
 struct Scope {
+    Scope(MacroScopes *scopes, QString name, bool expands, int nestedIncludes)
+        : macros(scopes),
+          fileName(std::move(name)),
+          expand(expands),
+          includes(nestedIncludes)
+    {
+    }
+
+    MacroScopes::Scope macros;
     QString fileName;
-    MacroMap macros;
     bool expand;
     int includes;
 };
@@ -68,13 +81,13 @@ struct Outcome {
 class Walk
 {
 public:
-    explicit Walk(XMLPP2 *target);
+    Walk(XMLPP2 *target, MacroMap *outermostMacros);
 
     /// Walks \a node and its following siblings.
     void run(XMLNode *node, Level level);
 
 private:
-    using Handler = Outcome (Walk::*)(XMLElement &, Level &);
+    using Handler = Outcome (Walk::*)(XMLElement &, const Level &);
     struct Directive {
         const char *tag;
         Handler handler;
@@ -90,48 +103,70 @@ private:
     XMLNode **apply(XMLNode **link, XMLElement &element, const Outcome &outcome, Level &level);
     void checkRoot();
 
-    Outcome handleIf(XMLElement &element, Level &level);
-    Outcome handleIfnot(XMLElement &element, Level &level);
-    Outcome handleIfex(XMLElement &element, Level &level);
-    Outcome handleIfdef(XMLElement &element, Level &level);
-    Outcome handleIfndef(XMLElement &element, Level &level);
-    Outcome handleSwitch(XMLElement &element, Level &level);
-    Outcome handleInclude(XMLElement &element, Level &level);
-    Outcome handleDefine(XMLElement &element, Level &level);
-    Outcome handleFor(XMLElement &element, Level &level);
-    Outcome handleForeach(XMLElement &element, Level &level);
-    Outcome handleXmldef(XMLElement &element, Level &level);
-    Outcome handleXmlput(XMLElement &element, Level &level);
+    Outcome handleIf(XMLElement &element, const Level &level);
+    Outcome handleIfnot(XMLElement &element, const Level &level);
+    Outcome handleIfex(XMLElement &element, const Level &level);
+    Outcome handleIfdef(XMLElement &element, const Level &level);
+    Outcome handleIfndef(XMLElement &element, const Level &level);
+    Outcome handleSwitch(XMLElement &element, const Level &level);
+    Outcome handleInclude(XMLElement &element, const Level &level);
+    Outcome handleDefine(XMLElement &element, const Level &level);
+    Outcome handleFor(XMLElement &element, const Level &level);
+    Outcome handleForeach(XMLElement &element, const Level &level);
+    Outcome handleXmldef(XMLElement &element, const Level &level);
+    Outcome handleXmlput(XMLElement &element, const Level &level);
 
-    Outcome unwrapByAttribute(XMLElement &element, Level &level, bool wanted);
+    bool isDefined(const XMLElement &element) const;
+    Outcome unwrapByAttribute(XMLElement &element, bool wanted);
     XMLElement *loadInclude(const QString &path);
-    void readRounds(const XMLElement &element, const Level &level, class CountedRounds *rounds);
+    void readRounds(const XMLElement &element, class CountedRounds *rounds);
     Chain copyRounds(const XMLElement &loop, unsigned count, class LoopRounds *rounds);
 
     /// The value of a macro, which becomes defined as empty when it is not defined yet.
-    static QString lookUpOrDefine(Level &level, const char *name);
-    static std::string expanded(const Level &level, const char *text);
-    static std::unique_ptr<Scope> contentScope(const XMLElement &directive, const Level &level,
-                                               const QString &fileName);
+    std::string_view lookUpOrDefine(const char *name);
+    std::string expanded(const char *text);
+    std::unique_ptr<Scope> contentScope(const XMLElement &directive, const Level &level,
+                                        const QString &fileName);
 
     /// Hands "XmlPP::processConditionals(): " and \a message to reportError().
     void report(const QString &message);
     void reportAndStop(const QString &message);
     void reportGrowth();
+    void reportWork();
 
-    /// Ends the walk with an error when the document has grown too far. Whether the walk is to
-    /// end, for that or for what was met before.
-    bool stopIfGrownTooFar()
+    /// What is done over and over is counted in steps of about a nanosecond.
+    static constexpr std::uint64_t stepsPerByteRead = 128;
+    static constexpr std::uint64_t stepsPerByteMade = 8;
+    static constexpr std::uint64_t stepsPerByteShared = 2;
+    static constexpr std::uint64_t stepsPerScannedCharacter = 8;
+    static constexpr std::uint64_t stepsPerListCharacter = 32;
+    static constexpr std::uint64_t stepsPerExpressionCharacter = 64;
+    static constexpr std::uint64_t stepsPerInclude = 12000;
+
+    /// Ends the walk with an error when the document has grown too far or made too much work.
+    /// Whether the walk is to end, for that or for what was met before.
+    bool stopPastBounds()
     {
-        if (!stopped && document.bytesUsed() - bytesAtStart > limits.growth)
+        if (stopped)
+            return true;
+        const std::size_t growth = document.bytesUsed() - bytesAtStart;
+        if (growth > limits.growth)
             reportGrowth();
+        else if (work + stepsPerScannedCharacter * macros.scanned >
+                 workAtMost + stepsPerByteMade * growth)
+            reportWork();
         return stopped;
     }
 
     XMLPP2 &document;
     const Limits &limits;
+    MacroScopes macros;
     const XMLNode *const firstRoot;  ///< the document's root before the walk
     const std::size_t bytesAtStart;
+    std::uint64_t workAtMost;  ///< but for what the document grows
+    std::uint64_t work = 0;    ///< steps, but for those of macros.scanned
+    std::unordered_map<const XMLNode *, std::size_t> textOfFragments;
+    std::set<QString> filesRead;
     int depth = 1;
     bool stopped = false;  ///< a bound was met and its error returned
 };

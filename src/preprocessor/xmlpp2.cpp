@@ -17,5 +17,5 @@ void XMLPP2::processConditionals(XMLNode *node, const QString &fileName, MacroMa
                                  bool expand)
 {
     if (node)
-        Walk(this).run(node, {fileName, macros, expand, 0});
+        Walk(this, &macros).run(node, {fileName, expand, 0});
 }

@@ -62,13 +62,19 @@ XMLElement *QXMLDocument::copyOneExpanded(const XMLElement *source, MacroLookup 
 
 void QXMLDocument::expandAttributes(XMLElement *element, const MacroMap &macros)
 {
+    MapLookup lookup(&macros);
+    expandAttributes(element, lookup);
+}
+
+void QXMLDocument::expandAttributes(XMLElement *element, MacroLookup &macros)
+{
     if (element->isLiteral())
         return;
     std::string expanded;
     for (XMLAttribute &attribute : element->attributes()) {
         if (!attribute.value || !std::strchr(attribute.value, '$'))
             continue;
-        globalMacros.expandLatin1(macros, attribute.value, false, &expanded);
+        globalMacros.expandLatin1(macros, attribute.value, &expanded);
         if (expanded != attribute.value)
             attribute.value = copyString(expanded.data(), expanded.size());
     }

@@ -25,6 +25,7 @@ public:
     /// Expands in place each attribute value of \a element that holds a '$'. A value that its
     /// expansion equals keeps its pointer; a new one lies in the current pool.
     void expandAttributes(XMLElement *element, const MacroMap &macros);
+    void expandAttributes(XMLElement *element, MacroLookup &macros);
 
 private:
     XMLElement *copyOneExpanded(const XMLElement *source, MacroLookup &macros);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "namehash.h"
 #include "xmlnode.h"
 
 #include <cstddef>
@@ -116,5 +117,5 @@ private:
     /// The attributes of the tag that is being read. Once there are many, names are looked up
     /// through the index, so that a long list costs what its text costs.
     std::vector<Attribute> attributes;
-    std::unordered_map<std::string_view, std::size_t> attributeIndex;
+    std::unordered_map<std::string_view, std::size_t, NameHash> attributeIndex;
 };
