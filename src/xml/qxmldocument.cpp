@@ -37,15 +37,14 @@ XMLElement *QXMLDocument::copyOneExpanded(const XMLElement *source, MacroLookup 
     XMLElement *copy = createElement(source->name());
     const bool isBare = copy->attributes().isEmpty();
     XMLAttributeAppender copied(&copy->attributes());
-    std::string expanded;
     bool isLiteral = true;
     for (const XMLAttribute &attribute : source->attributes()) {
         std::string_view text = attribute.value ? attribute.value : "";
         const bool hasReferences = !source->isLiteral() && text.find('$') != std::string_view::npos;
         bool isNull = text.empty();
         if (hasReferences) {
-            isNull = !globalMacros.expandLatin1(macros, text, &expanded);
-            text = expanded;
+            isNull = !globalMacros.expandLatin1(macros, text, &expansion);
+            text = expansion;
             isLiteral = isLiteral && text.find('$') == std::string_view::npos;
         }
         const char *value = isNull ? nullptr : copyString(text.data(), text.size());
@@ -70,12 +69,11 @@ void QXMLDocument::expandAttributes(XMLElement *element, MacroLookup &macros)
 {
     if (element->isLiteral())
         return;
-    std::string expanded;
     for (XMLAttribute &attribute : element->attributes()) {
         if (!attribute.value || !std::strchr(attribute.value, '$'))
             continue;
-        globalMacros.expandLatin1(macros, attribute.value, &expanded);
-        if (expanded != attribute.value)
-            attribute.value = copyString(expanded.data(), expanded.size());
+        globalMacros.expandLatin1(macros, attribute.value, &expansion);
+        if (expansion != attribute.value)
+            attribute.value = copyString(expansion.data(), expansion.size());
     }
 }

@@ -3,6 +3,8 @@
 #include "macromap.h"
 #include "xmldocument.h"
 
+#include <string>
+
 /// A document whose files are named by QString and whose attribute values can hold macro
 /// references. Text crosses as Latin-1, in both directions; a character above 0xFF becomes '?'.
 /// Only the map that is passed counts, never the system macros.
@@ -29,4 +31,6 @@ public:
 
 private:
     XMLElement *copyOneExpanded(const XMLElement *source, MacroLookup &macros);
+
+    std::string expansion;  ///< of one value; a member so that its memory is used again
 };
