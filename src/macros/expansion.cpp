@@ -16,6 +16,9 @@ std::u16string_view toView(const QString &text)
             static_cast<std::size_t>(text.size())};
 }
 
+/// What it costs to look a name up and to take its value, apart from the characters.
+constexpr std::uint64_t stepsPerReference = 50;
+
 /// One expansion, in passes over text of \a Char: char for Latin-1, char16_t for UTF-16.
 template <typename Char>
 class Expansion
@@ -94,13 +97,14 @@ void Expansion<Char>::runPass(View text)
 {
     rescan = false;
     unclosed.clear();
-    macros.scanned += text.size();
+    macros.work += text.size();
     std::size_t position = 0;
     while (position < text.size()) {
         const std::size_t found = text.find(introducer, position);
         append(text.substr(position, found - position));
         if (found == View::npos)
             return;
+        macros.work += stepsPerReference;
         const std::size_t start = found + 2;
         if (found + 1 == text.size() || text[found + 1] != Char('(')) {
             append(text.substr(found, 1));
@@ -130,6 +134,7 @@ bool Expansion<Char>::findEnd(View text, Reference *reference)
         const Char c = text[i];
         if (c == Char(')') && --depth == 0) {
             reference->end = i;
+            macros.work += i - start;
             return true;
         }
         depth += c == Char('(');
@@ -138,6 +143,7 @@ bool Expansion<Char>::findEnd(View text, Reference *reference)
         reference->isNested = reference->isNested || c == introducer;
     }
     noteUnclosed(text, start - 1);
+    macros.work += 2 * text.size();
     return false;
 }
 

@@ -4,7 +4,7 @@
 #include <QMap>
 #include <QString>
 
-#include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 /// Macro values by name, ordered by the UTF-16 code units of the names. Names are
@@ -30,7 +30,8 @@ public:
     /// spell all names and values.
     virtual const QString *find(const QString &name);
 
-    std::size_t scanned = 0;  ///< characters that expansions have read with this lookup
+    /// What expansions with this lookup have cost so far, in steps of about a nanosecond.
+    std::uint64_t work = 0;
 
 protected:
     QString wideValue;  ///< room for what find() returns

@@ -263,7 +263,7 @@ Chain Walk::copyRounds(const XMLElement &loop, unsigned count, LoopRounds *round
         for (const XMLNode *child = loop.firstChild; isElement(child); child = child->nextSibling) {
             copies.append(
                 document.copyElementExpanded(static_cast<const XMLElement *>(child), *rounds));
-            work += stepsPerScannedCharacter * std::exchange(rounds->scanned, 0);
+            work += std::exchange(rounds->work, 0);
             if (stopPastBounds())
                 return copies;
         }

@@ -138,7 +138,6 @@ private:
     static constexpr std::uint64_t stepsPerByteRead = 128;
     static constexpr std::uint64_t stepsPerByteMade = 8;
     static constexpr std::uint64_t stepsPerByteShared = 2;
-    static constexpr std::uint64_t stepsPerScannedCharacter = 8;
     static constexpr std::uint64_t stepsPerListCharacter = 32;
     static constexpr std::uint64_t stepsPerExpressionCharacter = 64;
     static constexpr std::uint64_t stepsPerInclude = 12000;
@@ -152,8 +151,7 @@ private:
         const std::size_t growth = document.bytesUsed() - bytesAtStart;
         if (growth > limits.growth)
             reportGrowth();
-        else if (work + stepsPerScannedCharacter * macros.scanned >
-                 workAtMost + stepsPerByteMade * growth)
+        else if (work + macros.work > workAtMost + stepsPerByteMade * growth)
             reportWork();
         return stopped;
     }
@@ -164,7 +162,7 @@ private:
     const XMLNode *const firstRoot;  ///< the document's root before the walk
     const std::size_t bytesAtStart;
     std::uint64_t workAtMost;  ///< but for what the document grows
-    std::uint64_t work = 0;    ///< steps, but for those of macros.scanned
+    std::uint64_t work = 0;    ///< but for that of expansions
     std::unordered_map<const XMLNode *, std::size_t> textOfFragments;
     std::set<QString> filesRead;
     int depth = 1;
