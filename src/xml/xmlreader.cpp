@@ -235,9 +235,11 @@ bool XMLReader::findEnd(const char *terminator, Span *text)
 
 bool XMLReader::readStartTag()
 {
+    ampersands.passTo(position);
+    dollars.passTo(position);
     const Span name = readName();
     skipSpace();
-    attributes.clear();
+    startAttributes();
     for (;;) {
         switch (*position) {
         case '\0':
@@ -257,21 +259,13 @@ bool XMLReader::readStartTag()
     }
 }
 
-/// A name that the tag has already gets its value replaced in its place.
-inline void XMLReader::setAttribute(const Span &name, const Span &value)
+void XMLReader::startAttributes()
 {
-    if (attributes.size() > mostComparedNames) {
-        setIndexedAttribute(name, value);
-        return;
-    }
-    for (Attribute &attribute : attributes) {
-        if (attribute.name.length() == name.length() &&
-            beginsWith(attribute.name.start, name.view())) {
-            attribute.value = value;
-            return;
-        }
-    }
-    attributes.push_back({name, value});
+    attributes.first = nullptr;
+    attributeEnd = XMLAttributeAppender(&attributes);
+    attributeCount = 0;
+    if (!attributeIndex.empty())
+        attributeIndex = {};
 }
 
 bool XMLReader::readAttribute()
@@ -289,47 +283,61 @@ bool XMLReader::readAttribute()
     return true;
 }
 
-void XMLReader::setIndexedAttribute(const Span &name, const Span &value)
+/// A name that the tag has already gets its value replaced in its place.
+inline void XMLReader::setAttribute(const Span &name, const Span &value)
 {
-    for (std::size_t i = attributeIndex.size(); i < attributes.size(); ++i)
-        attributeIndex.emplace(attributes[i].name.view(), i);
-    const auto found = attributeIndex.find(name.view());
-    if (found != attributeIndex.end())
-        attributes[found->second].value = value;
+    // The newlines up to here are counted first: no later search could see beyond a NUL.
+    lineAt(position);
+    *name.end = '\0';
+    *value.end = '\0';
+    if (ampersands.isBefore(value.end))
+        decodeReferences(value.start, value.end, value.start, false);
+    if (attributeCount == mostComparedNames) {
+        setIndexedAttribute(name.view(), value.start);
+        return;
+    }
+    for (XMLAttribute &attribute : attributes) {
+        if (*attribute.name == *name.start && std::strcmp(attribute.name, name.start) == 0) {
+            attribute.value = value.start;
+            return;
+        }
+    }
+    attributeEnd.append(name.start, value.start);
+    ++attributeCount;
+}
+
+void XMLReader::setIndexedAttribute(std::string_view name, const char *value)
+{
+    if (attributeIndex.empty()) {
+        for (XMLAttribute &attribute : attributes)
+            attributeIndex.emplace(attribute.name, &attribute);
+    }
+    const auto [entry, isNew] = attributeIndex.try_emplace(name, nullptr);
+    if (isNew)
+        entry->second = attributeEnd.append(name.data(), value);
     else
-        attributes.push_back({name, value});
+        entry->second->value = value;
 }
 
 /// Makes the element of the tag that was read up to here.
 void XMLReader::openElement(const Span &name)
 {
-    const bool mayHaveReferences = ampersands.isIn(name.start, position);
-    const bool isLiteral = !mayHaveReferences && !dollars.isIn(name.start, position);
     XMLElement *element = document->createElement(endText(name));
     element->line = markupLine;
     // An element of a subclass can come with attributes of its own.
     const bool isBare = element->attributes().isEmpty();
-    XMLAttributeAppender appender(&element->attributes());
-    for (const Attribute &attribute : attributes) {
-        *attribute.name.end = '\0';
-        *attribute.value.end = '\0';
-        if (mayHaveReferences)
-            decodeReferences(attribute.value.start, attribute.value.end, attribute.value.start,
-                             false);
-        if (isBare)
-            appender.append(attribute.name.start, attribute.value.start);
-        else
-            element->setAttribute(attribute.name.start, attribute.value.start);
+    if (isBare) {
+        element->attributes() = attributes;
+        if (!dollars.isBefore(position) && !ampersands.isBefore(position))
+            element->setLiteral();
+    } else {
+        for (const XMLAttribute &attribute : attributes)
+            element->setAttribute(attribute.name, attribute.value);
     }
-    if (isLiteral && isBare)
-        element->setLiteral();
-    if (!attributeIndex.empty())
-        attributeIndex = {};
     open.push_back({element, &element->firstChild});
 }
 
-/// Ends \a text, all of which and the byte behind it was read, with a NUL. The newlines up to
-/// here are counted first: no later search could see beyond that NUL.
+/// Ends \a text, all of which and the byte behind it was read, with a NUL.
 const char *XMLReader::endText(const Span &text)
 {
     lineAt(position);
@@ -396,12 +404,10 @@ bool XMLReader::fail(Error what)
     return false;
 }
 
-/// The newlines up to and including \a where, which never lies before what was asked for last.
-int XMLReader::lineAt(const char *where)
+void XMLReader::countLines(const char *where)
 {
     while (nextNewline <= where && *nextNewline != '\0') {
         line = static_cast<int>(static_cast<unsigned>(line) + 1);
         nextNewline = findByte('\n', nextNewline + 1);
     }
-    return line;
 }

@@ -17,13 +17,14 @@ class NextByte
 public:
     NextByte(char wantedByte, const char *text);
 
-    /// Whether the byte is in \a from up to \a to. \a from never decreases.
-    bool isIn(const char *from, const char *to)
+    /// Passes what is before \a where, which never decreases. No NUL may have been put behind it.
+    void passTo(const char *where)
     {
-        if (next < from)
-            find(from);
-        return next < to;
+        if (next < where)
+            find(where);
     }
+    /// Whether the byte is between what was passed and \a where.
+    bool isBefore(const char *where) const { return next < where; }
 
 private:
     void find(const char *from);
@@ -63,10 +64,6 @@ private:
         std::size_t length() const { return static_cast<std::size_t>(end - start); }
         std::string_view view() const { return {start, length()}; }
     };
-    struct Attribute {
-        Span name;
-        Span value;
-    };
     struct OpenElement {
         XMLElement *element;
         XMLNode **end;  ///< where the next child hangs
@@ -92,13 +89,22 @@ private:
     bool findEnd(const char *terminator, Span *text);
 
     void setAttribute(const Span &name, const Span &value);
-    void setIndexedAttribute(const Span &name, const Span &value);
+    void setIndexedAttribute(std::string_view name, const char *value);
+    void startAttributes();
     void openElement(const Span &name);
     void closeElement();
     const char *endText(const Span &text);
     void append(XMLNode *node, int line);
     bool fail(Error what);
-    int lineAt(const char *where);
+
+    /// The newlines up to and including \a where, which never lies before what was asked for last.
+    int lineAt(const char *where)
+    {
+        if (nextNewline <= where)
+            countLines(where);
+        return line;
+    }
+    void countLines(const char *where);
 
     XMLDocument *document;
     char *position;
@@ -116,6 +122,8 @@ private:
 
     /// The attributes of the tag that is being read. Once there are many, names are looked up
     /// through the index, so that a long list costs what its text costs.
-    std::vector<Attribute> attributes;
-    std::unordered_map<std::string_view, std::size_t, NameHash> attributeIndex;
+    XMLAttributeList attributes;
+    XMLAttributeAppender attributeEnd{&attributes};
+    std::size_t attributeCount = 0;  ///< up to the number from which on the index is used
+    std::unordered_map<std::string_view, XMLAttribute *, NameHash> attributeIndex;
 };
