@@ -16,8 +16,10 @@ std::u16string_view toView(const QString &text)
             static_cast<std::size_t>(text.size())};
 }
 
-/// What it costs to look a name up and to take its value, apart from the characters.
+/// What it costs to look a name up and to take its value.
 constexpr std::uint64_t stepsPerReference = 50;
+/// Plain text is found and copied many characters at a time.
+constexpr std::size_t charactersPerStep = 16;
 
 /// One expansion, in passes over text of \a Char: char for Latin-1, char16_t for UTF-16.
 template <typename Char>
@@ -97,7 +99,7 @@ void Expansion<Char>::runPass(View text)
 {
     rescan = false;
     unclosed.clear();
-    macros.work += text.size();
+    macros.work += text.size() / charactersPerStep;
     std::size_t position = 0;
     while (position < text.size()) {
         const std::size_t found = text.find(introducer, position);
