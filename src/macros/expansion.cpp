@@ -136,7 +136,7 @@ bool Expansion<Char>::findEnd(View text, Reference *reference)
         const Char c = text[i];
         if (c == Char(')') && --depth == 0) {
             reference->end = i;
-            macros.work += i - start;
+            macros.work += 2 * (i - start);
             return true;
         }
         depth += c == Char('(');
