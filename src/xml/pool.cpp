@@ -1,5 +1,7 @@
 #include "pool.h"
 
+#include "blockmemory.h"
+
 #include <algorithm>
 #include <cstring>
 #include <memory>
@@ -40,11 +42,7 @@ Pool::Block *Pool::takeBlock(std::size_t wanted)
         }
     }
     auto made = std::make_unique<Block>(Block{nullptr, wanted, nullptr});
-    // A large block is as a rule the text of a file, which the kernel copies faster to the start of
-    // a page.
-    constexpr std::align_val_t page{4096};
-    made->memory = wanted == smallestBlock ? new char[wanted]
-                                           : static_cast<char *>(::operator new(wanted, page));
+    made->memory = takeBlockMemory(wanted);
     return made.release();
 }
 
