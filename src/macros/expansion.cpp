@@ -38,6 +38,9 @@ public:
         result.clear();
     }
 
+    /// Whether a value was met that Char is too narrow for. The expansion is none then.
+    bool isTooNarrow() const { return tooNarrow; }
+
     /// Leaves the expansion of \a text in the target; true unless it is the null text.
     bool run(View text)
     {
@@ -47,7 +50,8 @@ public:
             return !isNull;
         Text working;
         std::size_t rescanned = 0;
-        for (int passes = 1; rescan && passes < limits.passes && rescanned < limits.rescanned;
+        for (int passes = 1;
+             rescan && !tooNarrow && passes < limits.passes && rescanned < limits.rescanned;
              ++passes) {
             working.swap(result);
             result.clear();
@@ -83,6 +87,7 @@ private:
     std::size_t longest = 0;
     bool isNull = true;
     bool rescan = false;
+    bool tooNarrow = false;
     QString builtinValue;
     QByteArray narrowBuiltinValue;
 
@@ -101,7 +106,7 @@ void Expansion<Char>::runPass(View text)
     unclosed.clear();
     macros.work += text.size() / charactersPerStep;
     std::size_t position = 0;
-    while (position < text.size()) {
+    while (position < text.size() && !tooNarrow) {
         const std::size_t found = text.find(introducer, position);
         append(text.substr(position, found - position));
         if (found == View::npos)
@@ -211,7 +216,9 @@ template <typename Char>
 bool Expansion<Char>::lookUp(View name, View *value)
 {
     if constexpr (std::is_same_v<Char, char>) {
-        if (!macros.findLatin1(name, value))
+        const Lookup found = macros.findLatin1(name, value);
+        tooNarrow = tooNarrow || found == Lookup::NotLatin1;
+        if (found != Lookup::Found)
             return false;
         const bool canBeBuiltin = name.starts_with('D') || name.starts_with('T');
         if (canBeBuiltin && builtinMacroValue(fromLatin1(name), builtinValue)) {
@@ -265,11 +272,11 @@ QString MacroValues::expand(MacroLookup &macros, const QString &text) const
 bool MacroValues::expandLatin1(MacroLookup &macros, std::string_view text,
                                std::string *result) const
 {
-    try {
-        return Expansion<char>(&macros, *this, result).run(text);
-    } catch (const NotLatin1 &) {
-        const QString wide = expand(macros, fromLatin1(text));
-        *result = wide.toLatin1().toStdString();
-        return !wide.isNull();
-    }
+    Expansion<char> expansion(&macros, *this, result);
+    const bool hasText = expansion.run(text);
+    if (!expansion.isTooNarrow())
+        return hasText;
+    const QString wide = expand(macros, fromLatin1(text));
+    *result = wide.toLatin1().toStdString();
+    return !wide.isNull();
 }

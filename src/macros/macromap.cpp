@@ -5,23 +5,23 @@
 const QString *MacroLookup::find(const QString &name)
 {
     std::string_view value;
-    if (!isLatin1(name) || !findLatin1(name.toLatin1().toStdString(), &value))
+    if (!isLatin1(name) || findLatin1(name.toLatin1().toStdString(), &value) != Lookup::Found)
         return nullptr;
     wideValue = fromLatin1(value);
     return &wideValue;
 }
 
-bool MapLookup::findLatin1(std::string_view name, std::string_view *value)
+Lookup MapLookup::findLatin1(std::string_view name, std::string_view *value)
 {
     const QString *found = find(fromLatin1(name));
     if (!found)
-        return false;
+        return Lookup::Missing;
     if (!isLatin1(*found))
-        throw NotLatin1();
+        return Lookup::NotLatin1;
     narrowValue = found->toLatin1();
     *value = {found->isNull() ? nullptr : narrowValue.constData(),
               static_cast<std::size_t>(narrowValue.size())};
-    return true;
+    return Lookup::Found;
 }
 
 const QString *MapLookup::find(const QString &name)

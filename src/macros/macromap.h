@@ -12,8 +12,11 @@
 /// is defined.
 using MacroMap = QMap<QString, QString>;
 
-/// Thrown where a value that is asked for in Latin-1 has a character above 0xFF.
-struct NotLatin1 {
+/// What looking for a value in Latin-1 can end in.
+enum class Lookup {
+    Missing,
+    Found,
+    NotLatin1,  ///< there is one, with a character above 0xFF
 };
 
 /// Where an expansion looks names up. A value that is found is valid until the next call.
@@ -22,12 +25,12 @@ class MacroLookup
 public:
     virtual ~MacroLookup() = default;
 
-    /// Whether there is a macro of that Latin-1 name. *value receives its value: a view of nothing
-    /// at all for a null text. Throws NotLatin1.
-    virtual bool findLatin1(std::string_view name, std::string_view *value) = 0;
+    /// Looks for a macro by its Latin-1 name. *value receives what is found: a view of nothing at
+    /// all for a null text.
+    virtual Lookup findLatin1(std::string_view name, std::string_view *value) = 0;
 
-    /// The value of any macro, null when there is none. Unless this is overridden, Latin-1 can
-    /// spell all names and values.
+    /// The value of any macro, null when there is none. Unless this is overridden, it finds what
+    /// findLatin1() does.
     virtual const QString *find(const QString &name);
 
     /// What expansions with this lookup have cost so far, in steps of about a nanosecond.
@@ -47,7 +50,7 @@ public:
     {
     }
 
-    bool findLatin1(std::string_view name, std::string_view *value) override;
+    Lookup findLatin1(std::string_view name, std::string_view *value) override;
     const QString *find(const QString &name) override;
 
 private:

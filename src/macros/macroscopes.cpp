@@ -19,25 +19,22 @@ MacroScopes::MacroScopes(MacroMap *outermostLevel) : outermost(*outermostLevel)
     }
 }
 
-bool MacroScopes::findLatin1(std::string_view name, std::string_view *value)
+Lookup MacroScopes::findLatin1(std::string_view name, std::string_view *value)
 {
     const auto found = macros.find(name);
     if (found == macros.end() || !found->second.isDefined)
-        return false;
+        return Lookup::Missing;
     if (found->second.isWide)
-        throw NotLatin1();
+        return Lookup::NotLatin1;
     *value = found->second.value;
-    return true;
+    return Lookup::Found;
 }
 
 const QString *MacroScopes::find(const QString &name)
 {
-    try {
-        if (const QString *value = MacroLookup::find(name))
-            return value;
-    } catch (const NotLatin1 &) {
-        // No level defines what Latin-1 cannot spell, so the map has it.
-    }
+    if (const QString *value = MacroLookup::find(name))
+        return value;
+    // No level defines what Latin-1 cannot spell, so the map has it, if anything.
     const auto found = outermost.constFind(name);
     return found == outermost.cend() ? nullptr : &found.value();
 }

@@ -44,7 +44,7 @@ public:
         return found != macros.end() && found->second.isDefined;
     }
 
-    bool findLatin1(std::string_view name, std::string_view *value) override;
+    Lookup findLatin1(std::string_view name, std::string_view *value) override;
     const QString *find(const QString &name) override;
 
     /// Defines a macro on the innermost level, whether there was one of that name or not.

@@ -1,5 +1,4 @@
 #include "alternatives.h"
-#include "simpleexpressionparser.h"
 #include "walk.h"
 
 #include <cstring>
@@ -32,9 +31,8 @@ Outcome Walk::handleIfex(XMLElement &element, const Level &)
     const char *expression = element.attribute("expression");
     if (!expression || *expression == '\0')
         return Outcome::ordinary();
-    SimpleExpressionParser parser;
     bool ok = false;
-    const bool value = parser.evaluateBool(expanded(expression).c_str(), &ok);
+    const bool value = evaluated(&SimpleExpressionParser::evaluateBool, expanded(expression), &ok);
     return Outcome::unwrapIf(ok && value, element);
 }
 

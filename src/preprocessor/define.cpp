@@ -1,5 +1,4 @@
 #include "hexadecimal.h"
-#include "simpleexpressionparser.h"
 #include "walk.h"
 
 Outcome Walk::handleDefine(XMLElement &element, const Level &)
@@ -17,9 +16,9 @@ Outcome Walk::handleDefine(XMLElement &element, const Level &)
         }
     } else if (!isHex || element.hasAttribute("hex_expression")) {
         const char *text = element.attribute(isHex ? "hex_expression" : "expression");
-        SimpleExpressionParser parser;
         bool ok = false;
-        const quint64 value = parser.evaluateUnsigned(expanded(text).c_str(), &ok);
+        const quint64 value =
+            evaluated(&SimpleExpressionParser::evaluateUnsigned, expanded(text), &ok);
         const auto number = static_cast<std::uint32_t>(value);
         if (ok)
             macros.set(name, isHex ? toHexadecimal(number) : std::to_string(number));

@@ -1,10 +1,9 @@
 #include "hexadecimal.h"
-#include "simpleexpressionparser.h"
+#include "latin1.h"
 #include "walk.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -51,7 +50,7 @@ public:
     }
 
     /// Makes only the macro that is asked for: few bodies use all of them.
-    bool findLatin1(std::string_view name, std::string_view *found) override;
+    Lookup findLatin1(std::string_view name, std::string_view *found) override;
     const QString *find(const QString &name) override;
 
     bool advance() override
@@ -62,7 +61,7 @@ public:
 
 private:
     /// A macro of the round by what follows the counter's name in its own; its value is made of
-    /// the counter and of what factor and offset make of that.
+    /// the counter and of what factor and offset make of that. Empty: it is not in Latin-1.
     struct Derived {
         std::string_view suffix;
         std::string (*value)(std::uint32_t counter, std::uint32_t derived);
@@ -89,37 +88,34 @@ const CountedRounds::Derived CountedRounds::derivedMacros[] = {
     {"", [](std::uint32_t i, std::uint32_t) { return std::to_string(i); }},
     {"_alpha",
      [](std::uint32_t i, std::uint32_t) {
-         if (letter(i) > 0xFF)
-             throw NotLatin1();
-         return std::string(1, static_cast<char>(letter(i)));
+         return letter(i) > 0xFF ? std::string() : std::string(1, static_cast<char>(letter(i)));
      }},
     {"_hex", [](std::uint32_t i, std::uint32_t) { return toHexadecimal(i); }},
     {"_ap", [](std::uint32_t, std::uint32_t ap) { return std::to_string(ap); }},
     {"_ap_hex", [](std::uint32_t, std::uint32_t ap) { return toHexadecimal(ap); }},
 };
 
-bool CountedRounds::findLatin1(std::string_view name, std::string_view *found)
+Lookup CountedRounds::findLatin1(std::string_view name, std::string_view *found)
 {
     if (!name.starts_with(counterName))
-        return false;
+        return Lookup::Missing;
     const std::string_view suffix = name.substr(counterName.size());
     const auto *derived = std::find_if(std::begin(derivedMacros), std::end(derivedMacros),
                                        [&](const Derived &row) { return row.suffix == suffix; });
     if (derived == std::end(derivedMacros))
-        return false;
+        return Lookup::Missing;
     value = derived->value(current, current * factor + offset);
     *found = value;
-    return true;
+    return value.empty() ? Lookup::NotLatin1 : Lookup::Found;
 }
 
 const QString *CountedRounds::find(const QString &name)
 {
-    try {
+    std::string_view found;
+    if (!isLatin1(name) || findLatin1(name.toLatin1().toStdString(), &found) != Lookup::NotLatin1)
         return LoopRounds::find(name);
-    } catch (const NotLatin1 &) {
-        wideValue = QChar(letter(current));
-        return &wideValue;
-    }
+    wideValue = QChar(letter(current));
+    return &wideValue;
 }
 
 namespace
@@ -158,14 +154,14 @@ public:
         return isEmpty ? 0 : static_cast<unsigned>(product);
     }
 
-    bool findLatin1(std::string_view name, std::string_view *found) override
+    Lookup findLatin1(std::string_view name, std::string_view *found) override
     {
         const auto position = positions.find(name);
         if (position == positions.end())
-            return false;
+            return Lookup::Missing;
         const List &list = lists[position->second];
         *found = list.values[list.current];
-        return true;
+        return Lookup::Found;
     }
 
     bool advance() override
@@ -212,16 +208,15 @@ Outcome Walk::handleFor(XMLElement &element, const Level &)
 
 void Walk::readRounds(const XMLElement &element, CountedRounds *rounds)
 {
-    SimpleExpressionParser parser;
     bool ok = false;
     const auto bound = [&](const char *name) {
         const char *text = element.attribute(name);
-        work += stepsPerExpressionCharacter * (text ? std::strlen(text) : 0);
-        return static_cast<std::uint32_t>(parser.evaluateUnsigned(text, &ok));
+        return static_cast<std::uint32_t>(
+            evaluated(&SimpleExpressionParser::evaluateUnsigned, text ? text : "", &ok));
     };
     const auto derived = [&](const char *name) {
-        const std::string text = expanded(element.attribute(name));
-        return static_cast<std::uint32_t>(parser.evaluateSigned(text.c_str(), &ok));
+        return static_cast<std::uint32_t>(evaluated(&SimpleExpressionParser::evaluateSigned,
+                                                    expanded(element.attribute(name)), &ok));
     };
     if (element.hasAttribute("add"))
         rounds->offset = derived("add");

@@ -170,14 +170,10 @@ std::string_view Walk::lookUpOrDefine(const char *name)
 {
     const std::string_view key = name ? name : "";
     std::string_view value;
-    try {
-        if (macros.findLatin1(key, &value))
-            return value;
+    // Nothing in a document equals a value that is not in Latin-1, as nothing equals an empty one.
+    if (macros.findLatin1(key, &value) == Lookup::Missing)
         macros.set(key, "");
-    } catch (const NotLatin1 &) {
-        // Nothing in a document can be such a value, as nothing can be an empty one.
-    }
-    return "";
+    return value;
 }
 
 /// \a text with the level's macros in it, for an expression that is about to be evaluated.
@@ -185,7 +181,6 @@ std::string Walk::expanded(const char *text)
 {
     std::string result;
     globalMacros.expandLatin1(macros, text ? text : "", &result);
-    work += stepsPerExpressionCharacter * result.size();
     return result;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "macroscopes.h"
+#include "simpleexpressionparser.h"
 #include "xmlpp2.h"
 
 #include <cstdint>
@@ -125,6 +126,16 @@ private:
     /// The value of a macro, which becomes defined as empty when it is not defined yet.
     std::string_view lookUpOrDefine(const char *name);
     std::string expanded(const char *text);
+    /// The value of the expression \a text, as \a evaluate reads it.
+    template <typename Value>
+    Value evaluated(Value (SimpleExpressionParser::*evaluate)(const char *, bool *),
+                    const std::string &text, bool *ok)
+    {
+        SimpleExpressionParser parser;
+        const Value value = (parser.*evaluate)(text.c_str(), ok);
+        work += stepsPerExpressionCharacter * text.size() + (*ok ? 0 : stepsPerFailure);
+        return value;
+    }
     std::unique_ptr<Scope> contentScope(const XMLElement &directive, const Level &level,
                                         const QString &fileName);
 
@@ -140,6 +151,7 @@ private:
     static constexpr std::uint64_t stepsPerByteShared = 2;
     static constexpr std::uint64_t stepsPerListCharacter = 32;
     static constexpr std::uint64_t stepsPerExpressionCharacter = 64;
+    static constexpr std::uint64_t stepsPerFailure = 10000;
     static constexpr std::uint64_t stepsPerInclude = 12000;
 
     /// Ends the walk with an error when the document has grown too far or made too much work.
