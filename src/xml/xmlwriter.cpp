@@ -42,14 +42,17 @@ void XMLWriter::writeDocument(const XMLDocument &document)
         to = append(to, " ?>\n");
     }
     appendBetween("<!DOCTYPE ", document.doctype, ">\n");
-    flush(to);
-    writeNode(document.root, 0);
+    flush(appendTree(to, document.root, 0));
 }
 
 void XMLWriter::writeNode(const XMLNode *node, long long depth)
 {
+    flush(appendTree(buffer.get(), node, depth));
+}
+
+char *XMLWriter::appendTree(char *to, const XMLNode *node, long long depth)
+{
     std::vector<const XMLNode *> open;
-    char *to = buffer.get();
     for (;;) {
         to = appendNode(to, node, depth);
         if (node && node->kind() == XMLNode::Kind::Element && node->firstChild) {
@@ -64,10 +67,9 @@ void XMLWriter::writeNode(const XMLNode *node, long long depth)
             to = appendEndTag(to, static_cast<const XMLElement *>(node), --depth);
         }
         if (open.empty())
-            break;
+            return to;
         node = node->nextSibling;
     }
-    flush(to);
 }
 
 void XMLWriter::writeEscaped(const char *text)

@@ -33,14 +33,16 @@ private:
     /// next. Every text, an empty one too, ends before bufferEnd.
     static constexpr std::size_t slack = 64;
 
-    // Each of these appends at to and returns the new end. It is handed on in locals: every byte that is written could otherwise, for all that
-    // the compiler knows, change the member in which the end is kept.
+    // Each of these appends at to and returns the new end. It is handed on in locals: every byte
+    // that is written could otherwise, for all that the compiler knows, change the member in which
+    // the end is kept.
     char *appendText(char *to, const char *text);
     char *appendEscaped(char *to, const char *text);
     char *appendReference(char *to, unsigned char byte);
     char *appendIndentation(char *to, long long depth);
     char *appendStartTag(char *to, const XMLElement *element);
     char *appendEndTag(char *to, const XMLElement *element, long long depth);
+    char *appendTree(char *to, const XMLNode *node, long long depth);
     char *appendNode(char *to, const XMLNode *node, long long depth);
     char *flush(char *to);
 
