@@ -89,14 +89,18 @@ TokenPattern::TokenPattern(QByteArrayView pattern)
 bool TokenPattern::compile(QByteArrayView pattern)
 {
     while (!pattern.isEmpty()) {
-        Step step = {.set = takePart(&pattern)};
-        if (step.set.none())
+        const CharacterSet set = takePart(&pattern);
+        if (set.none()) {
+            steps.clear();
             return false;
+        }
+        Step &step = steps.emplace_back();
+        for (std::size_t c = 0; c < set.size(); ++c)
+            step.takes[c] = set[c];
         if (pattern.startsWith('+') || pattern.startsWith('*')) {
             step.repeated = true;
             step.optional = take(&pattern) == '*';
         }
-        steps.push_back(step);
     }
     return true;
 }
@@ -104,30 +108,11 @@ bool TokenPattern::compile(QByteArrayView pattern)
 TokenPattern::CharacterSet TokenPattern::firstCharacters() const
 {
     CharacterSet set;
-    if (!valid)
-        return set;
     for (const Step &step : steps) {
-        set |= step.set;
+        for (std::size_t c = 0; c < set.size(); ++c)
+            set[c] = set[c] || step.takes[c];
         if (!step.optional)
             break;
     }
     return set;
-}
-
-qsizetype TokenPattern::match(const char *first, const char *last) const
-{
-    if (!valid)
-        return 0;
-    const char *next = first;
-    for (const Step &step : steps) {
-        const char *begin = next;
-        while (next != last && step.set[static_cast<unsigned char>(*next)]) {
-            ++next;
-            if (!step.repeated)
-                break;
-        }
-        if (next == begin && !step.optional)
-            return 0;
-    }
-    return next - first;
 }

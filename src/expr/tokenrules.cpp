@@ -95,13 +95,3 @@ void TokenRules::addToken(QByteArrayView pattern, qint32 kind, qint32 precedence
             candidates[c].push_back(rules.size() - 1);
     }
 }
-
-const LexerToken *TokenRules::find(const char *first, const char *last, qsizetype *length) const
-{
-    for (const std::size_t index : candidates[static_cast<unsigned char>(*first)]) {
-        *length = rules[index].pattern.match(first, last);
-        if (*length > 0)
-            return &rules[index];
-    }
-    return nullptr;
-}

@@ -102,3 +102,15 @@ private:
     /// By first character, the rules that can match there, in the order of the list.
     std::array<std::vector<std::size_t>, 256> candidates;
 };
+
+// Inline for the same reason as TokenPattern::match().
+inline const LexerToken *TokenRules::find(const char *first, const char *last,
+                                          qsizetype *length) const
+{
+    for (const std::size_t index : candidates[static_cast<unsigned char>(*first)]) {
+        *length = rules[index].pattern.match(first, last);
+        if (*length > 0)
+            return &rules[index];
+    }
+    return nullptr;
+}
