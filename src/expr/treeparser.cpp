@@ -8,7 +8,7 @@
 #include "types.h"
 #include "unaryoperators.h"
 
-#include <algorithm>
+#include <array>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -103,15 +103,27 @@ TreeParser::Node TreeParser::parseBinary(qint32 level)
 
 TreeParser::Node TreeParser::combine(qint32 kind, Node left, Node right, qsizetype leftSize)
 {
-    const auto *row = std::find_if(std::begin(operatorRows), std::end(operatorRows),
-                                   [kind](const OperatorRow &each) { return each.kind == kind; });
-    if (row == std::end(operatorRows))
+    const OperatorRow *row = findOperator(kind);
+    if (!row)
         throw ParserException("operator not supported"_L1);
     if (!row->assigns)
         return (this->*row->makeOperator)(std::move(left), std::move(right));
     if (row->makeOperator)
         right = (this->*row->makeOperator)(share(*left, leftSize), std::move(right));
     return make<AssignExpression>(std::move(left), std::move(right), &parser);
+}
+
+const TreeParser::OperatorRow *TreeParser::findOperator(qint32 kind)
+{
+    using RowsByKind = std::array<const OperatorRow *, Token::Comma + 1>;
+    static const RowsByKind rows = [] {
+        RowsByKind byKind = {};
+        for (const OperatorRow &row : operatorRows)
+            byKind[static_cast<std::size_t>(row.kind)] = &row;
+        return byKind;
+    }();
+    // A parser may have added kinds of its own to its lexer.
+    return kind >= 0 && kind <= Token::Comma ? rows[static_cast<std::size_t>(kind)] : nullptr;
 }
 
 TreeParser::Node TreeParser::share(const Expression &target, qsizetype targetSize)

@@ -66,6 +66,7 @@ private:
     Type parseRegisterType();
 
     static const OperatorRow operatorRows[];
+    static const OperatorRow *findOperator(qint32 kind);
     Node combine(qint32 kind, Node left, Node right, qsizetype leftSize);
     Node share(const Expression &target, qsizetype targetSize);
     Node makeStep(qint32 assignment, Node target, qsizetype targetSize);
