@@ -28,6 +28,10 @@ public:
     /// How many calls deep evaluating, dumping and releasing the tree below this node go at most.
     int height() const { return levels; }
 
+    /// The memory of nodes that are released serves those that are made next.
+    static void *operator new(std::size_t size);
+    static void operator delete(void *node, std::size_t size);
+
     Expression(const Expression &) = delete;
     Expression(Expression &&) = delete;
     Expression &operator=(const Expression &) = delete;

@@ -29,7 +29,8 @@ ExpressionValue ExpressionParser::callFunction(const ExpressionValue &,
 std::unique_ptr<Expression> ExpressionParser::parse(const char *text, qsizetype *position)
 {
     std::unique_ptr<Expression> tree;
-    lexer.setText(text);
+    // Not a copy: nothing asks the lexer for its text once the tree is made.
+    lexer.setText(QByteArray::fromRawData(text, static_cast<qsizetype>(qstrlen(text))));
     if (text && *text)
         tree = TreeParser(lexer, *this).parseExpression();
     if (position)

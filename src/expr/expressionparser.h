@@ -57,5 +57,5 @@ public:
 protected:
     ExpressionParser() = default;
 
-    Lexer lexer;
+    Lexer lexer;  ///< only its position counts once parse() is through
 };
