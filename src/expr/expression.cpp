@@ -109,12 +109,6 @@ void UnaryExpression::dumpTo(QString &text) const
     text += u')';
 }
 
-ConstantExpression::ConstantExpression(ExpressionValue constant)
-    : Expression(1),
-      value(std::move(constant))
-{
-}
-
 void ConstantExpression::dumpTo(QString &text) const
 {
     text += "Constant("_L1;

@@ -86,7 +86,11 @@ protected:
 class ConstantExpression : public Expression
 {
 public:
-    explicit ConstantExpression(ExpressionValue constant);
+    explicit ConstantExpression(ExpressionValue constant)
+        : Expression(1),
+          value(std::move(constant))
+    {
+    }
     ExpressionValue evaluate() const override { return value; }
     QString dump() const override { return dumped(); }
     void dumpTo(QString &text) const override;

@@ -50,47 +50,23 @@ quint64 bitPattern(double value, qint32 size)
                      : std::bit_cast<quint64>(value);
 }
 
-ExpressionValue make(ExpressionValue::Kind kind, quint64 payload, qint32 size)
-{
-    ExpressionValue value;
-    value.kind = kind;
-    value.size = size;
-    value.payload = payload;
-    return value;
-}
-
 }  // namespace
-
-ExpressionValue ExpressionValue::fromBool(bool value)
-{
-    return make(Boolean, value ? 1 : 0, 0);
-}
-
-ExpressionValue ExpressionValue::fromInt64(qint64 value, qint32 size)
-{
-    return make(Signed, static_cast<quint64>(value), size);
-}
-
-ExpressionValue ExpressionValue::fromUInt64(quint64 value, qint32 size)
-{
-    return make(Unsigned, value, size);
-}
 
 ExpressionValue ExpressionValue::fromDouble(double value, qint32 size)
 {
-    return make(Floating, std::bit_cast<quint64>(value), size);
+    return {Floating, size, std::bit_cast<quint64>(value)};
 }
 
 ExpressionValue ExpressionValue::fromText(const QString &text)
 {
-    ExpressionValue value = make(String, 0, 0);
+    ExpressionValue value(String, 0, 0);
     value.text = text;
     return value;
 }
 
 ExpressionValue ExpressionValue::fromObject(ExpressionObject *object)
 {
-    ExpressionValue value = make(Object, 0, 0);
+    ExpressionValue value(Object, 0, 0);
     value.object = ObjectReference(object);
     return value;
 }

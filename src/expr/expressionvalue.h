@@ -85,9 +85,15 @@ struct ExpressionValue {
 
     /// The void value.
     ExpressionValue() = default;
-    static ExpressionValue fromBool(bool value);
-    static ExpressionValue fromInt64(qint64 value, qint32 size = 8);
-    static ExpressionValue fromUInt64(quint64 value, qint32 size = 8);
+    static ExpressionValue fromBool(bool value) { return {Boolean, 0, value ? 1U : 0U}; }
+    static ExpressionValue fromInt64(qint64 value, qint32 size = 8)
+    {
+        return {Signed, size, static_cast<quint64>(value)};
+    }
+    static ExpressionValue fromUInt64(quint64 value, qint32 size = 8)
+    {
+        return {Unsigned, size, value};
+    }
     static ExpressionValue fromDouble(double value, qint32 size = 8);
     static ExpressionValue fromText(const QString &text);
     static ExpressionValue fromObject(ExpressionObject *object);
@@ -110,4 +116,12 @@ struct ExpressionValue {
 
     /// Replaces an object by its current value; leaves other values alone.
     void resolve();
+
+private:
+    ExpressionValue(Kind valueKind, qint32 valueSize, quint64 bits)
+        : kind(valueKind),
+          size(valueSize),
+          payload(bits)
+    {
+    }
 };
