@@ -67,17 +67,6 @@ CharacterSet takeSet(QByteArrayView *rest)
     return inverted ? ~set : set;
 }
 
-/// What the next part of a pattern may match. Empty: it is no part that a pattern can have.
-CharacterSet takePart(QByteArrayView *rest)
-{
-    const char c = take(rest);
-    if (c == '[')
-        return takeSet(rest);
-    if (c == '\\')
-        return rest->isEmpty() ? CharacterSet() : escaped(take(rest));
-    return QByteArrayView(".?*+|()]{}^$").contains(c) ? CharacterSet() : only(c);
-}
-
 }  // namespace
 
 TokenPattern::TokenPattern(QByteArrayView pattern)
@@ -86,33 +75,66 @@ TokenPattern::TokenPattern(QByteArrayView pattern)
 {
 }
 
+TokenPattern::Step TokenPattern::makeStep(const CharacterSet &set)
+{
+    auto table = std::make_shared<CharacterTable>();
+    for (std::size_t c = 0; c < set.size(); ++c)
+        (*table)[c] = set[c];
+    return {.table = set.any() ? std::move(table) : nullptr};
+}
+
+/// The next part of a pattern, without what repeats it. False: it is no part that a pattern can
+/// have.
+bool TokenPattern::takePart(QByteArrayView *rest, Step *step)
+{
+    char c = take(rest);
+    if (c == '[') {
+        *step = makeStep(takeSet(rest));
+        return step->table != nullptr;
+    }
+    if (c != '\\') {
+        step->character = c;
+        return !QByteArrayView(".?*+|()]{}^$").contains(c);
+    }
+    if (rest->isEmpty())
+        return false;
+    c = take(rest);
+    if (c == 'd' || c == 's')
+        *step = makeStep(escaped(c));
+    else
+        step->character = c;
+    return true;
+}
+
 bool TokenPattern::compile(QByteArrayView pattern)
 {
     while (!pattern.isEmpty()) {
-        const CharacterSet set = takePart(&pattern);
-        if (set.none()) {
+        Step step;
+        if (!takePart(&pattern, &step)) {
             steps.clear();
             return false;
         }
-        Step &step = steps.emplace_back();
-        for (std::size_t c = 0; c < set.size(); ++c)
-            step.takes[c] = set[c];
         if (pattern.startsWith('+') || pattern.startsWith('*')) {
             step.repeated = true;
             step.optional = take(&pattern) == '*';
         }
+        steps.push_back(std::move(step));
     }
     return true;
 }
 
-TokenPattern::CharacterSet TokenPattern::firstCharacters() const
+QByteArray TokenPattern::firstCharacters() const
 {
-    CharacterSet set;
+    QByteArray characters;
     for (const Step &step : steps) {
-        for (std::size_t c = 0; c < set.size(); ++c)
-            set[c] = set[c] || step.takes[c];
+        if (!step.table)
+            characters += step.character;
+        for (std::size_t c = 0; step.table && c < step.table->size(); ++c) {
+            if ((*step.table)[c])
+                characters += static_cast<char>(c);
+        }
         if (!step.optional)
             break;
     }
-    return set;
+    return characters;
 }

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <bitset>
+#include <memory>
 #include <vector>
 
 /// The form of one kind of token: a chain of character sets, matched from left to right. The
@@ -27,17 +28,30 @@ public:
     /// The pattern as it was given.
     const QByteArray &text() const { return source; }
     bool isValid() const { return valid; }
-    /// The characters with which a match can begin; none for an invalid pattern.
-    CharacterSet firstCharacters() const;
+    /// The characters with which a match can begin; none for an invalid pattern. One that more
+    /// than one part of the pattern can begin with is there as often.
+    QByteArray firstCharacters() const;
     /// Characters of [first, last) that the pattern takes, beginning at first. 0: no match.
     qsizetype match(const char *first, const char *last) const;
 
 private:
+    /// By character: found faster than a bit of a set.
+    using CharacterTable = std::array<bool, 256>;
+
     struct Step {
-        std::array<bool, 256> takes = {};  ///< by character: found faster than a bit of a set
-        bool optional = false;             ///< may take no character
-        bool repeated = false;             ///< may take more than one
+        char character = 0;  ///< the one that it takes; most steps take no other
+        std::shared_ptr<const CharacterTable> table = nullptr;  ///< of those it takes, else
+        bool optional = false;                                  ///< may take no character
+        bool repeated = false;                                  ///< may take more than one
+
+        bool takes(char c) const
+        {
+            return table ? (*table)[static_cast<unsigned char>(c)] : c == character;
+        }
     };
+
+    static Step makeStep(const CharacterSet &set);
+    static bool takePart(QByteArrayView *rest, Step *step);
 
     bool compile(QByteArrayView pattern);
 
@@ -51,9 +65,9 @@ inline qsizetype TokenPattern::match(const char *first, const char *last) const
 {
     const char *next = first;
     for (const Step &step : steps) {
-        if (next != last && step.takes[static_cast<unsigned char>(*next)]) {
+        if (next != last && step.takes(*next)) {
             ++next;
-            while (step.repeated && next != last && step.takes[static_cast<unsigned char>(*next)])
+            while (step.repeated && next != last && step.takes(*next))
                 ++next;
         } else if (!step.optional) {
             return 0;

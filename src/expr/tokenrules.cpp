@@ -87,11 +87,7 @@ const TokenRules &TokenRules::standard()
 
 void TokenRules::addToken(QByteArrayView pattern, qint32 kind, qint32 precedence)
 {
-    const TokenPattern::CharacterSet first =
-        rules.emplace_back(LexerToken{TokenPattern(pattern), kind, precedence})
-            .pattern.firstCharacters();
-    for (std::size_t c = 0; c < candidates.size(); ++c) {
-        if (first[c])
-            candidates[c].push_back(rules.size() - 1);
-    }
+    rules.push_back({TokenPattern(pattern), kind, precedence});
+    for (const char c : rules.back().pattern.firstCharacters())
+        candidates[static_cast<unsigned char>(c)].push_back(rules.size() - 1);
 }
