@@ -1,11 +1,9 @@
 #pragma once
 
+#include "written.h"
 #include "xmldocument.h"
 
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
-#include <string>
 
 /// What libFuzzer calls with every input.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
@@ -19,27 +17,19 @@ inline void requireEqual(const std::string &left, const std::string &right)
     std::abort();
 }
 
-inline std::string written(XMLDocument *document, int indent)
-{
-    char *bytes = nullptr;
-    std::size_t size = 0;
-    FILE *stream = open_memstream(&bytes, &size);
-    document->write(stream, indent);
-    std::fclose(stream);
-    const std::unique_ptr<char, decltype(&std::free)> owner(bytes, &std::free);
-    return {bytes, size};
-}
-
 /// What is written is read, and written again as the same bytes. Not so for elements without a
 /// name, whose tags are read as end tags.
 inline void requireStable(XMLDocument *document, int indent)
 {
-    const std::string bytes = written(document, indent);
+    const auto writeTo = [indent](XMLDocument *from) {
+        return written([=](FILE *stream) { from->write(stream, indent); });
+    };
+    const std::string bytes = writeTo(document);
     for (const char *nameless : {"<>", "</>", "< "}) {
         if (bytes.find(nameless) != std::string::npos)
             return;
     }
     XMLDocument again(document->keepComments);
     requireEqual(again.parse(std::string(bytes).data()) ? "" : again.errorMessage, "");
-    requireEqual(bytes, written(&again, indent));
+    requireEqual(bytes, writeTo(&again));
 }

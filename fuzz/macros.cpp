@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <new>
 
+using namespace Qt::StringLiterals;
+
 namespace
 {
 
@@ -20,15 +22,14 @@ MacroMap checkList(const QString &list)
     QStringList items = MacroValues::splitMacroList(list, true);
     QStringList escaped = items;
     for (QString &item : escaped)
-        item.replace(u'\\', QStringLiteral("\\\\")).replace(u';', QStringLiteral("\\;"));
+        item.replace(u'\\', u"\\\\"_s).replace(u';', u"\\;"_s);
     requireEqual(bytesOf(MacroValues::splitMacroList(escaped.join(u';'), true).join(u'\n')),
                  bytesOf(items.join(u'\n')));
     items.removeAll(QString());
     requireEqual(bytesOf(MacroValues::splitMacroList(list, false).join(u'\n')),
                  bytesOf(items.join(u'\n')));
     const MacroMap macros = MacroValues::parseMacroList(items);
-    const MacroMap base{{QStringLiteral("a"), QStringLiteral("$(b)")},
-                        {QStringLiteral("wide"), QStringLiteral(u"\u03b1$(a:$(a))")}};
+    const MacroMap base{{u"a"_s, u"$(b)"_s}, {u"wide"_s, u"\u03b1$(a:$(a))"_s}};
     const MacroMap merged = MacroValues::mergeMacros(base, macros);
     requireEqual(MacroValues::mergeMacros(merged, macros) == merged ? "" : "lost", "");
     return merged;

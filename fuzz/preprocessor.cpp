@@ -7,6 +7,7 @@
 #include "openfile.h"
 #include "xmlpp2.h"
 
+#include <filesystem>
 #include <map>
 #include <new>
 #include <sstream>
@@ -23,12 +24,10 @@ public:
     [[noreturn]] void reportError(const QString &) override { throw std::bad_alloc(); }
 };
 
-/// The name without the "./" that every include adds.
-std::string cleaned(std::string name)
+/// Every include adds a "./" to the name.
+std::string &fileOf(const std::string &name)
 {
-    while (name.starts_with("./"))
-        name.erase(0, 2);
-    return name;
+    return files[std::filesystem::path(name).lexically_normal()];
 }
 
 std::string readFiles(const std::string &input)
@@ -36,11 +35,11 @@ std::string readFiles(const std::string &input)
     files.clear();
     std::string arguments;
     std::string ignored;
-    std::string *section = &files["in.xml"];
+    std::string *section = &fileOf("in.xml");
     std::istringstream lines(input);
     for (std::string line; std::getline(lines, line);) {
         if (line.starts_with("--- file "))
-            section = &files[cleaned(line.substr(9))];
+            section = &fileOf(line.substr(9));
         else if (line.starts_with("--- "))
             section = line == "--- args" ? &arguments : &ignored;
         else
@@ -53,8 +52,8 @@ std::string readFiles(const std::string &input)
 
 FILE *openFile(const QString &name, const char *mode)
 {
-    const auto file = files.find(cleaned(name.toStdString()));
-    return file == files.end() ? nullptr : fmemopen(file->second.data(), file->second.size(), mode);
+    std::string &text = fileOf(name.toStdString());
+    return text.empty() ? nullptr : fmemopen(text.data(), text.size(), mode);
 }
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
@@ -63,10 +62,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const QString macros = QString::fromLatin1(readFiles(input));
     for (const bool expand : {true, false}) {
         FuzzedDocument document;
-        document.limits.nestedLevels = 60;
-        document.limits.nestedIncludes = 8;
-        document.limits.loopRounds = 40;
-        document.limits.growth = 1 << 17;
+        document.limits = {
+            .nestedLevels = 60, .nestedIncludes = 8, .loopRounds = 40, .growth = 1 << 17};
         globalMacros.limits.passes = 40;
         globalMacros.limits.length = 1 << 14;
         bool isDone = false;

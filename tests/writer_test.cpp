@@ -1,22 +1,8 @@
 #include "treetext.h"
-
-#include <cstdlib>
+#include "written.h"
 
 namespace
 {
-
-template <typename Write>
-std::string written(Write write)
-{
-    char *bytes = nullptr;
-    std::size_t size = 0;
-    FILE *stream = open_memstream(&bytes, &size);
-    write(stream);
-    std::fclose(stream);
-    std::string text(bytes, size);
-    std::free(bytes);
-    return text;
-}
 
 std::string rewritten(std::string text, int indent, bool keepComments = false)
 {
@@ -34,9 +20,8 @@ TEST(Writer, IndentsElementsAndDoesNotEndTheLineOfText)
     EXPECT_EQ(rewritten(text, 2), "<a>\n  <b x=\"1\">\n    <c/>\n  </b>\n  <d/>\n</a>\n");
     EXPECT_EQ(rewritten(text, 0), text);
     EXPECT_EQ(rewritten("<a><b/></a>", -1), "<a>\n<b/>\n</a>\n");
-    EXPECT_EQ(rewritten("<a><![CDATA[<&]]><b/><![CDATA[]]></a>", 2),
-              "<a>\n  <![CDATA[<&]]>  <b/>\n  <![CDATA[]]></a>\n");
-    EXPECT_EQ(rewritten("<a><!--<&-->&lt;</a>", 1, true), "<a>\n  <!--<&--> &lt;</a>\n");
+    EXPECT_EQ(rewritten("<a><![CDATA[<&]]><b/><!--<&-->&lt;</a>", 1, true),
+              "<a>\n  <![CDATA[<&]]>  <b/>\n  <!--<&--> &lt;</a>\n");
 }
 
 TEST(Writer, WritesDeclarationAndDoctype)
@@ -59,10 +44,10 @@ TEST(Writer, EscapesAllButPrintableAscii)
 
 TEST(Writer, HandsOverWhatIsLongerThanItsBuffer)
 {
+    const std::string value(200'000, '<');
     std::string escaped;
-    for (int i = 0; i < 200'000; ++i)
-        escaped += "&amp;";
-    const std::string value(200'000, '&');
+    for (std::size_t i = 0; i < value.size(); ++i)
+        escaped += "&lt;";
     const std::string name(70'000, 'n');
     const std::string spaces(140'000, ' ');
     XMLDocument document(false);
