@@ -20,8 +20,6 @@ protected:
         d->nextSibling = e;
     }
 
-    void expectA(const char *expected) { EXPECT_EQ(treeText(a), expected); }
-
     QXMLDocument document{false};
     CurrentPool current;
     XMLElement *a = document.createElement("a"), *b = document.createElement("b"),
@@ -32,16 +30,14 @@ protected:
 TEST_F(Tree, LinksAndUnlinks)
 {
     a->removeChild(b);
-    expectA("a(c)");
-    EXPECT_EQ(b->parent, a);
-    EXPECT_EQ(b->nextSibling, c);
     a->removeChild(d);
+    EXPECT_EQ(treeText(a), "a(c)");
+    EXPECT_EQ(b->nextSibling, c);
     a->prependChild(b);
-    expectA("a(b,c)");
     a->replaceChild(c, e);
-    expectA("a(b,e)");
+    EXPECT_EQ(treeText(a), "a(b,e)");
     a->replaceChild(b, c);
-    expectA("a(c,e)");
+    EXPECT_EQ(treeText(a), "a(c,e)");
 }
 
 TEST_F(Tree, SplicesAWholeChain)
@@ -50,25 +46,23 @@ TEST_F(Tree, SplicesAWholeChain)
     g->nextSibling = document.createElement("h");
     a->insertAfter(b, d);
     b->insertAfter(nullptr, document.createElement("f"));
-    expectA("a(b(f),d,e,c)");
+    EXPECT_EQ(treeText(a), "a(b(f),d,e,c)");
     e->insertAfter(c, g);
-    expectA("a(b(f),d,e(g,h),c)");
+    EXPECT_EQ(treeText(a), "a(b(f),d,e(g,h),c)");
 }
 
 TEST_F(Tree, KeepsAttributesInOrder)
 {
-    for (const char *name : {"x", "y", "z"})
-        a->setAttribute(name, "1");
-    a->setAttribute("y", "2");
-    a->setAttribute("n", nullptr);
-    expectA("a[x=1 y=2 z=1 n](b,c)");
+    for (const auto &[name, value] :
+         {std::pair("x", "1"), {"y", "1"}, {"z", "1"}, {"y", "2"}, {"n", nullptr}})
+        a->setAttribute(name, value);
+    EXPECT_EQ(treeText(a), "a[x=1 y=2 z=1 n](b,c)");
     a->removeAttribute("x");
     a->removeAttribute("none");
     EXPECT_TRUE(!a->hasAttribute("x") && a->hasAttribute("n"));
     EXPECT_TRUE(!a->attribute("x") && !a->attribute("n"));
-    a->removeAttribute("n");
     a->setAttribute("x", "3");
-    expectA("a[y=2 z=1 x=3](b,c)");
+    EXPECT_EQ(treeText(a), "a[y=2 z=1 n x=3](b,c)");
 }
 
 TEST_F(Tree, CopiesEveryKindAndSharesStrings)
@@ -76,9 +70,8 @@ TEST_F(Tree, CopiesEveryKindAndSharesStrings)
     b->setAttribute("x", "1");
     b->setAttribute("n", nullptr);
     b->line = 7;
-    XMLNode *children[] = {new XMLData("t"), new XMLNode, new XMLComment("c"),
-                           new XMLCDATASection("s")};
-    for (XMLNode *child : children)
+    for (XMLNode *child : std::initializer_list<XMLNode *>{
+             new XMLData("t"), new XMLNode, new XMLComment("c"), new XMLCDATASection("s")})
         b->appendChild(child);
     const XMLNode *copy = document.copyNode(b, d);
     EXPECT_EQ(treeText(d, true), "d@0(b[x=1 n]@0(#t@0,!c@0,[s]@0))");
@@ -106,15 +99,14 @@ TEST_F(Tree, ExpandsAttributes)
 {
     const MacroMap macros{{u"m"_s, u"1"_s}, {u"wide"_s, u"\u03B1x"_s}, {u"none"_s, QString()}};
     const char *same = "$(unknown)";
-    for (const auto &[name, value] :
-         {std::pair("v", "$(m)2"), {"s", same}, {"w", "$(wide)"}, {"e", "$(none)"}, {"p", ""}})
+    const std::pair<const char *, const char *> attributes[] = {
+        {"v", "$(m)2"}, {"s", same}, {"w", "$(wide)"}, {"e", "$(none)"}, {"p", ""}, {"n", nullptr}};
+    for (const auto &[name, value] : attributes)
         b->setAttribute(name, value);
-    b->setAttribute("n", nullptr);
     b->appendChild(new XMLData("t"));
     b->appendChild(e);
     const XMLElement *copy = document.copyElementExpanded(b, macros);
     EXPECT_EQ(treeText(copy), "b[v=12 s=$(unknown) w=?x e p n](e)");
-    EXPECT_EQ(copy->parent, nullptr);
     EXPECT_NE(copy->attribute("s"), same);
     document.expandAttributes(b, macros);
     EXPECT_EQ(treeText(b), "b[v=12 s=$(unknown) w=?x e= p= n](#t,e)");
@@ -125,11 +117,11 @@ TEST(Document, LoadsAndSavesByName)
 {
     const ScratchDirectory scratch;
     scratch.write("a\xE9.xml", "<a/>");
-    const std::string saved = scratch.file("b.xml");
     const std::string absent = scratch.file("no/" + std::string(2000, 'x'));
     QXMLDocument document(false);
     EXPECT_TRUE(document.load(QString::fromLatin1(scratch.file("a\xE9.xml"))));
-    EXPECT_TRUE(document.save(saved.c_str(), 0) && document.load(saved.c_str()));
+    EXPECT_TRUE(document.save(scratch.file("b.xml").c_str(), 0));
+    EXPECT_EQ(readFile(scratch.file("b.xml")), "<a/>");
     document.errorLine = 5;
     EXPECT_FALSE(document.load(QString::fromLatin1(absent)));
     EXPECT_EQ(document.errorLine, 0);
@@ -142,8 +134,8 @@ TEST(Document, LoadsAndSavesByName)
 TEST(Document, ReadsAStreamFromItsStart)
 {
     XMLDocument document(false);
-    std::string text = "<a>" + std::string(10'000, ' ') + "</a>";
-    FILE *stream = fmemopen(text.data(), text.size(), "rb");
+    char text[] = "<a/>";
+    FILE *stream = fmemopen(text, sizeof text, "rb");
     std::fgetc(stream);
     EXPECT_TRUE(document.read(stream));
     EXPECT_EQ(treeText(document.root), "a");

@@ -15,18 +15,16 @@ TEST(Pool, RoundsUpToEight)
     Pool pool;
     const char *first = take(&pool, 0);
     EXPECT_NE(first, nullptr);
-    EXPECT_EQ(pool.bytesUsed(), 0U);
-    for (const auto &[size, offset] : {std::pair(1, 0), {8, 8}, {9, 16}, {0, 32}})
-        EXPECT_EQ(take(&pool, static_cast<std::size_t>(size)), first + offset);
+    for (const auto &[size, offset] : {std::pair(1U, 0), {8U, 8}, {9U, 16}, {0U, 32}})
+        EXPECT_EQ(take(&pool, size), first + offset);
     EXPECT_EQ(pool.bytesUsed(), 32U);
 }
 
 TEST(Pool, FillsABlockToItsEndAndAbandonsWhatIsTooSmall)
 {
     Pool pool;
-    const char *first = take(&pool, 8192);
+    take(&pool, 8192);
     const char *second = take(&pool, 8);
-    EXPECT_NE(second, first + 8192);
     EXPECT_EQ(take(&pool, 8184), second + 8);
     const char *third = take(&pool, 8000);
     const char *large = take(&pool, 8193);
@@ -55,11 +53,13 @@ TEST(Pool, ReusesTheLastReleasedBlockThatFitsAndPoisonsIt)
 
 TEST(Pool, AllocatesFromTheCurrentOneOrADefault)
 {
-    Pool pool;
-    EXPECT_EQ(Pool::setCurrent(&pool), nullptr);
-    const char *piece = static_cast<char *>(Pool::allocateCurrent(8));
-    EXPECT_EQ(take(&pool, 8), piece + 8);
-    EXPECT_EQ(Pool::setCurrent(nullptr), &pool);
+    {
+        Pool pool;
+        EXPECT_EQ(Pool::setCurrent(&pool), nullptr);
+        const char *piece = static_cast<char *>(Pool::allocateCurrent(8));
+        EXPECT_EQ(take(&pool, 8), piece + 8);
+    }
+    EXPECT_EQ(Pool::setCurrent(nullptr), nullptr);
     EXPECT_NE(Pool::allocateCurrent(8), nullptr);
     EXPECT_NE(Pool::setCurrent(nullptr), nullptr);
 }
