@@ -1,24 +1,32 @@
 #pragma once
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
 
-/// What one run of the built command did.
-struct CommandResult {
-    int status = 0;  ///< the exit status, or 128 and the signal that ended it
-    std::string output;
-    std::string error;
-};
-
-/// Runs \a arguments (the program first) in \a directory to its end.
-CommandResult runCommand(const std::vector<std::string> &arguments, const std::string &directory);
+/// The content of a file; "(no file)" when there is none.
+inline std::string readFile(const std::string &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return file ? std::string(std::istreambuf_iterator<char>(file), {}) : "(no file)";
+}
 
 /// A directory of its own for one test, removed with all that is in it.
 class ScratchDirectory
 {
 public:
-    ScratchDirectory();
-    ~ScratchDirectory();
+    ScratchDirectory()
+    {
+        std::string name = std::filesystem::temp_directory_path() / "xmlpp-test-XXXXXX";
+        directory = mkdtemp(name.data());
+    }
+    ~ScratchDirectory() { std::filesystem::remove_all(directory); }
     ScratchDirectory(const ScratchDirectory &) = delete;
     ScratchDirectory &operator=(const ScratchDirectory &) = delete;
 
@@ -26,11 +34,52 @@ public:
     std::string file(const std::string &name) const { return directory + '/' + name; }
 
     /// Makes the file and the directories that lead to it.
-    void write(const std::string &name, const std::string &content) const;
+    void write(const std::string &name, const std::string &content) const
+    {
+        std::filesystem::create_directories(std::filesystem::path(file(name)).parent_path());
+        std::ofstream(file(name), std::ios::binary) << content;
+    }
 
 private:
     std::string directory;
 };
 
-/// The content of a file; "(no file)" when there is none.
-std::string readFile(const std::string &path);
+/// What one run of the built command did.
+struct CommandResult {
+    int status = 0;  ///< the exit status, or 128 and the signal that ended it
+    std::string output;
+    std::string error;
+    double seconds = 0;    ///< of the processor
+    double mebibytes = 0;  ///< resident at most
+};
+
+/// Runs \a arguments (the program first) in \a directory to its end, for 60 seconds at most.
+inline CommandResult runCommand(const std::vector<std::string> &arguments,
+                                const std::string &directory)
+{
+    const ScratchDirectory scratch;
+    const std::string output = scratch.file("stdout");
+    const std::string error = scratch.file("stderr");
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(60);  // goes on counting in the program
+        std::vector<char *> argv;
+        argv.reserve(arguments.size() + 1);
+        for (const std::string &argument : arguments)
+            argv.push_back(const_cast<char *>(argument.c_str()));
+        argv.push_back(nullptr);
+        if (chdir(directory.c_str()) == 0 && freopen(output.c_str(), "wb", stdout) &&
+            freopen(error.c_str(), "wb", stderr))
+            execv(argv[0], argv.data());
+        _exit(127);
+    }
+    int status = 0;
+    rusage usage = {};
+    wait4(child, &status, 0, &usage);
+    const auto seconds = [](const timeval &time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    };
+    return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status), readFile(output),
+            readFile(error), seconds(usage.ru_utime) + seconds(usage.ru_stime),
+            static_cast<double>(usage.ru_maxrss) / 1024};
+}

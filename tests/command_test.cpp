@@ -1,11 +1,13 @@
-// The built command on whole documents: every case of tests/cases and every example.
+// The built command on whole documents: every case of tests/cases and every example, and that
+// the manual shows what the examples hold.
 
 #include "command.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
+#include <algorithm>
 #include <map>
+#include <regex>
 #include <sstream>
 
 namespace
@@ -81,31 +83,59 @@ TEST(Examples, GiveWhatTheyShow)
     }
 }
 
-/// Shell scripts, each in a directory of its own with the program as $X and a document in.xml,
-/// and what they print.
+/// Whether \a text has the lines of \a shown, in that order and however they are indented.
+bool holds(const std::string &text, const std::string &shown)
+{
+    std::size_t at = 0;
+    std::istringstream lines(shown);
+    for (std::string line; at != std::string::npos && std::getline(lines >> std::ws, line);)
+        at = text.find(line + '\n', at);
+    return at != std::string::npos;
+}
+
+TEST(Examples, HoldWhatTheManualShows)
+{
+    const std::filesystem::path examples = XMLPP_EXAMPLES;
+    std::vector<std::string> held;
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(examples))
+        held.push_back(entry.is_directory() ? "" : readFile(entry.path()));
+    std::string manual = readFile(examples / "../README.md");
+    manual += readFile(examples / "../docs/directives.md");
+    const std::regex block("```xml\n([^`]*)```");
+    std::sregex_iterator each(manual.begin(), manual.end(), block);
+    EXPECT_GT(std::distance(each, {}), 10);
+    for (; each != std::sregex_iterator(); ++each) {
+        const std::string shown = each->str(1);
+        EXPECT_TRUE(std::ranges::any_of(held, [&](auto &text) { return holds(text, shown); }))
+            << shown;
+    }
+}
+
+/// Shell scripts, each in a directory of its own with the program as $X, the examples as $E, half
+/// of a stack in KiB as $S and a document in.xml, and what they print.
 TEST(Command, ReadsAndWrites)
 {
+#ifdef __SANITIZE_ADDRESS__
+    const std::string stack = "65536";
+#else
+    const std::string stack = "4096";
+#endif
     const std::string small = "<a>\n  <b x=\"1\"/>\n</a>\n";
     const std::pair<std::string, std::string> scripts[] = {
         {"$X in.xml 2>out.xml; echo $?; sed \"s|^$X|X|\" out.xml",
          "1\nX: <infile> <outfile> [macro1=value;macro2=value;..]\n"},
         {"$X in.xml out.xml v=1 new more; cat out.xml", small},
-        {": >in.xml; $X in.xml out.xml; wc -c <out.xml", "0\n"},
-        {"$X in.xml in.xml && cat in.xml && ls -A", small + "in.xml\n"},
         {"cat in.xml | $X /dev/stdin out.xml v=1 && cat out.xml", small},
-        {"(echo first; $X in.xml /dev/stdout; echo last) >log; cat log; $X in.xml /dev/stdout | "
-         "cat",
+        {"(echo first; $X in.xml /dev/stdout; echo last) >o; cat o; $X in.xml /dev/stdout | cat",
          "first\n" + small + "last\n" + small},
-        {"$X . out.xml 2>&1; echo $?; ls -A", "load error couldn't read . at 0\n1\nin.xml\n"},
         {"printf '\\n\\n<a></b>' >in.xml; $X in.xml out.xml 2>&1; echo $?; ls -A",
          "load error tagName mismatch at 1\n1\nin.xml\n"},
         {"for f in . no/out.xml /dev/full; do $X in.xml $f 2>&1 || echo $?; done",
          "save error couldn't write .\n1\nsave error couldn't write no/out.xml\n1\n"
          "save error couldn't write /dev/full\n1\n"},
-        {"echo old >out; (ulimit -f 0; $X in.xml out 2>&1; echo $?) | cat; cat out; ls -A",
-         "save error couldn't write out\n1\nold\nin.xml\nout\n"},
-        {"umask 027; $X in.xml out.xml; chmod 604 in.xml; $X in.xml in.xml; stat -c %a *.xml",
-         "604\n640\n"},
+        {"umask 027; $X in.xml out.xml; chmod 604 in.xml; $X in.xml in.xml; stat -c %a *; "
+         "cat in.xml",
+         "604\n640\n" + small},
         {"mkdir d; ln -s d/real.xml out.xml; $X in.xml out.xml; ls -A d; echo x >d/real.xml; "
          "$X in.xml out.xml; readlink out.xml; cat d/real.xml",
          "real.xml\nd/real.xml\n" + small},
@@ -114,6 +144,36 @@ TEST(Command, ReadsAndWrites)
         {"n=$(printf '\\351').xml; echo \"<r><include filename='$n'/></r>\" | tr \\' '\"' >in.xml; "
          "echo '<l1/>' >$n; $X in.xml out.xml; cat out.xml",
          "<r>\n  <l1/>\n</r>\n"},
+        // A file size limit below what is to be written, byte by byte.
+        {"echo old >out.xml; for n in $(seq 0 22); do prlimit --fsize=$n $X in.xml out.xml 2>&1 | "
+         "cat; done | uniq -c | sed 's/^ *//'; cat out.xml; ls -A",
+         "22 save error couldn't write out.xml\n" + small + "in.xml\nout.xml\n"},
+        // A pipe that nobody reads any more.
+        {"{ (trap '' PIPE; while echo; do :; done 2>err); $X in.xml /dev/stdout 2>err; echo $? "
+         ">status; } | :; cat status err",
+         "1\nsave error couldn't write /dev/stdout\n"},
+        // A file that goes between two includes: when the first one, a pipe, is read.
+        {"mkfifo f; echo '<g/>' >g; echo '<r><include filename=\"f\"/><include filename=\"g\"/>"
+         "</r>' >in.xml; { rm g; echo '<f/>'; } >f & $X in.xml out.xml 2>&1; echo $?; ls",
+         "XmlPP::processConditionals(): error \"couldn't read ./g\" in include file ./g "
+         "line:0\n1\nf\nin.xml\n"},
+        {"echo '<r><include filename=\".\"/></r>' >in.xml; $X in.xml out.xml 2>&1",
+         "XmlPP::processConditionals(): error \"couldn't read ./.\" in include file ./. line:0\n"},
+        {"for text in '' '\\357\\273\\277<a/>' '\\0<a/>'; do printf $text >in.xml; $X in.xml out; "
+         "wc -c <out; done; printf '<a/>\\0<b>' >in.xml; $X in.xml out; cat out",
+         "0\n0\n0\n<a/>\n"},
+        // Nothing but the arguments and the files sways the output.
+        {"for e in -i 'LC_ALL=C.UTF-8 TZ=Asia/Tokyo QT_LOGGING_RULES=*=true' "
+         "'LC_ALL=tr_TR.ISO-8859-9 LANGUAGE=tr MALLOC_PERTURB_=165' 'setarch -R'; do "
+         "env $e $X $E/scope.xml out.xml; cmp out.xml $E/expected/scope.xml; "
+         "env $e $X in.xml out.xml \"$(printf 'v=\\351')\"; grep -c '&#xe9;' out.xml; done",
+         "1\n1\n1\n1\n"},
+        // The deepest nesting, and a fragment that puts itself, take less than half of the stack.
+        {"ulimit -s $S; (echo '<r>'; yes '<if m=\"1\">' | head -4998; echo '<a/>'; yes '</if>' | "
+         "head -4998; echo '</r>') >in.xml; $X in.xml out.xml m=1; cat out.xml; echo '<r><xmldef "
+         "name=\"f\"><xmlput name=\"f\" macros=\"a=1\"/></xmldef><xmlput name=\"f\"/></r>' >f.xml; "
+         "$X f.xml out.xml 2>&1",
+         "<r>\n  <a/>\n</r>\nXmlPP::processConditionals(): nested more than 5000 levels deep\n"},
         // A link to the executable counts where it lies, not where it leads to.
         {"mkdir -p kit/bin; ln -s $X kit/bin/tool; cd kit/bin; echo '<b/>' >../b.xml; echo "
          "'<a><include filename=\"$(StudioDir)/b.xml\"/></a>' >in.xml; $PWD/tool in.xml 1; "
@@ -123,7 +183,8 @@ TEST(Command, ReadsAndWrites)
     for (const auto &[script, printed] : scripts) {
         const ScratchDirectory scratch;
         scratch.write("in.xml", "<a><b x=\"$(v:1)\"/></a>");
-        const std::string command = "X='" XMLPP_COMMAND "'\n" + script;
+        const std::string command =
+            "X='" XMLPP_COMMAND "' E='" XMLPP_EXAMPLES "' S=" + stack + "\n" + script;
         EXPECT_EQ(runCommand({"/bin/sh", "-c", command}, scratch.path()).output, printed) << script;
     }
 }

@@ -5,9 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace
 {
@@ -58,43 +55,19 @@ void writeFiles(const ScratchDirectory &scratch, const std::vector<Piece> &piece
     std::fclose(file);
 }
 
-struct Measured {
-    int status;
-    std::string error;
-    double seconds;
-    double mebibytes;
-};
-
-Measured measure(const std::vector<Piece> &pieces)
+CommandResult measure(const std::vector<Piece> &pieces)
 {
     const ScratchDirectory scratch;
     writeFiles(scratch, pieces);
-    const pid_t child = fork();
-    if (child == 0) {
-        alarm(60);  // goes on counting in the program
-        if (chdir(scratch.path().c_str()) == 0 && std::freopen("error", "wb", stderr))
-            execl(XMLPP_COMMAND, XMLPP_COMMAND, "in.xml", "out.xml", "m=1;g=xxxxxxxx", nullptr);
-        _exit(127);
-    }
-    int status = 0;
-    rusage usage = {};
-    wait4(child, &status, 0, &usage);
-    const auto seconds = [](const timeval &time) {
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-    };
-    return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status),
-            readFile(scratch.file("error")), seconds(usage.ru_utime) + seconds(usage.ru_stime),
-            static_cast<double>(usage.ru_maxrss) / 1024};
+    return runCommand({XMLPP_COMMAND, "in.xml", "out.xml", "m=1;g=xxxxxxxx"}, scratch.path());
 }
 
-class Document : public testing::TestWithParam<Hostile>
-{
-};
+using Document = testing::TestWithParam<Hostile>;
 
 TEST_P(Document, EndsSoonAndInLittleMemory)
 {
     const Hostile &hostile = GetParam();
-    const Measured run = measure(hostile.pieces);
+    const CommandResult run = measure(hostile.pieces);
     std::printf("%-55s %6.2f s %6.0f MiB  %s\n", hostile.name, run.seconds, run.mebibytes,
                 run.error.empty() ? "ok\n" : run.error.c_str());
     EXPECT_EQ(run.status, *hostile.error ? 1 : 0);
@@ -229,7 +202,7 @@ INSTANTIATE_TEST_SUITE_P(Hostile, Document, testing::ValuesIn(documents));
 TEST(Attributes, TakeNoQuadraticTime)
 {
     const auto seconds = [](int names) {
-        const Measured run = measure({{"<r><a"}, {" a@=\"\"", names}, {"/></r>"}});
+        const CommandResult run = measure({{"<r><a"}, {" a@=\"\"", names}, {"/></r>"}});
         std::printf("%-55d %6.2f s %6.0f MiB\n", names, run.seconds, run.mebibytes);
         return run.seconds;
     };

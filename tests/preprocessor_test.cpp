@@ -3,10 +3,7 @@
 #include "treetext.h"
 #include "xmlpp2.h"
 
-#include <QThread>
-
 #include <algorithm>
-#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -161,33 +158,6 @@ TEST(Limits, AreMetFromBothSides)
                      "(for[index=i start=0 end=900000 incr=1]([x]),b) ! directives make more "
                      "than 600000 steps of work"},
                 {.work = 600000});
-}
-
-TEST(Limits, TakeLessThanHalfOfTheStack)
-{
-    const auto nest = [] {
-        // Ifs, and a fragment that puts itself: the largest frames that a level can take.
-        const int levels = Limits().nestedLevels;
-        std::string nested = "<a/>";
-        for (int i = 2; i < levels; ++i)
-            nested.insert(0, "<if m='1'>").append("</>");
-        Recorder ifs;
-        ifs.macros.insert(u"m"_s, u"1"_s);
-        EXPECT_EQ(ifs.walk("<r>" + nested + "</r>"), "r(a)");
-        Recorder fragments;
-        fragments.walk("<r><xmldef name='f'><xmlput name='f' macros='a=1'/></xmldef>"
-                       "<xmlput name='f'/></r>");
-        EXPECT_EQ(fragments.errors,
-                  " ! nested more than " + std::to_string(levels) + " levels deep");
-    };
-    const std::unique_ptr<QThread> thread(QThread::create(nest));
-#ifdef __SANITIZE_ADDRESS__
-    thread->setStackSize(64 << 20);
-#else
-    thread->setStackSize(4 << 20);
-#endif
-    thread->start();
-    thread->wait();
 }
 
 }  // namespace
