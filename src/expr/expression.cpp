@@ -17,7 +17,7 @@ constexpr std::size_t nodeSize = sizeof(ConstantExpression);
 // Enough for most trees; what a huge one leaves is not kept. Without NDEBUG nothing is, so that a
 // sanitizer sees who uses a node that is released.
 #ifdef NDEBUG
-constexpr std::size_t maximumSpares = 256;
+constexpr std::size_t maximumSpares = 64;
 #else
 constexpr std::size_t maximumSpares = 0;
 #endif
@@ -25,17 +25,13 @@ constexpr std::size_t maximumSpares = 0;
 /// The memory of released nodes. A tree is many small nodes, and gone as soon as it is evaluated:
 /// from the heap they would be a fifth of what an expression costs.
 struct SpareNodes {
-    ~SpareNodes()
-    {
-        while (count > 0)
-            ::operator delete(nodes[--count]);
-    }
-    std::array<void *, maximumSpares> nodes = {};
-    std::size_t count = 0;
+    std::array<void *, maximumSpares> nodes;
+    std::size_t count;
 };
 
-// Per thread, because parsers of different threads have nothing in common.
-thread_local SpareNodes spares;
+// Per thread, because parsers of different threads have nothing in common. A thread that ends loses
+// its few spares: a destructor would have to be registered, which aborts where memory is short.
+constinit thread_local SpareNodes spares = {};
 
 }  // namespace
 
