@@ -120,6 +120,12 @@ FILE *fopen(const char *name, const char *mode)
     return stream;
 }
 
+// Without a buffer, a stream with a cookie would read byte by byte.
+int setvbuf(FILE *, char *, int, std::size_t)
+{
+    return 0;
+}
+
 int fileno(FILE *)
 {
     return lastDescriptor;
