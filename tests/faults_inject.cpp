@@ -18,6 +18,7 @@ namespace
 using Main = int(int, char **, char **);
 
 char kind[32] = "";
+const char *mark = "";
 long remaining = 0;
 Main *realMain = nullptr;
 int lastDescriptor = -1;
@@ -28,7 +29,7 @@ bool fails(const char *what)
     if (std::strncmp(kind, what, std::strlen(what)) != 0 || --remaining > 0 ||
         (remaining < 0 && !isLasting))
         return false;
-    close(open(std::getenv("FAULT_MARK"), O_CREAT | O_WRONLY, 0600));
+    close(open(mark, O_CREAT | O_WRONLY, 0600));
     errno = *what == 'm' ? ENOMEM : EIO;
     return true;
 }
@@ -36,6 +37,7 @@ bool fails(const char *what)
 int mainWithFaults(int argc, char **argv, char **environment)
 {
     std::sscanf(std::getenv("FAULT"), "%31[a-z+]:%ld", kind, &remaining);
+    mark = std::getenv("FAULT_MARK");
     return realMain(argc, argv, environment);
 }
 
