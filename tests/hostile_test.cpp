@@ -199,17 +199,37 @@ const Hostile documents[] = {
 
 INSTANTIATE_TEST_SUITE_P(Hostile, Document, testing::ValuesIn(documents));
 
-TEST(Attributes, TakeNoQuadraticTime)
+/// Documents of any length: what is repeated, between a beginning and an end.
+struct Growing {
+    const char *beginning;
+    const char *repeated;
+    const char *end;
+    int times;
+};
+
+TEST(Time, GrowsInProportion)
 {
-    const auto seconds = [](int names) {
-        const CommandResult run = measure({{"<r><a"}, {" a@=\"\"", names}, {"/></r>"}});
-        std::printf("%-55d %6.2f s %6.0f MiB\n", names, run.seconds, run.mebibytes);
-        return run.seconds;
-    };
-    const double few = std::max(seconds(25000), 0.01);
-    seconds(50000);
-    const double many = seconds(100000);
-    EXPECT_TRUE(!isTimed || many < 8 * few) << few << ' ' << many;
+    for (const Growing &growing : {
+             Growing{"<r><a", " a@=\"\"", "/></r>", 25000},
+             Growing{"<r><foreach", " a@=\"1\"", "><a v=\"$(a1)\"/></foreach></r>", 25000},
+             Growing{"<r><a v=\"", "$(m)&lt;$(", "\"/></r>", 200000},
+             Growing{"<r><ifex expression=\"1", "+1", "\"/></r>", 100000},
+             Growing{"<r><ifnot m=\"2\">", "<a/>", "</ifnot></r>", 300000},
+             Growing{"<r>", "<if m=\"1\"><a/><b/></if>", "</r>", 100000},
+             Growing{"<r>", "<a><define name=\"a@\" value=\"1\"/></a>", "</r>", 50000},
+             Growing{"<r><xmldef name=\"f\"><a/></xmldef>", "<xmlput name=\"f\" macros=\"a@=1\"/>",
+                     "</r>", 50000},
+         }) {
+        const auto seconds = [&](int times) {
+            return std::max(
+                measure({{growing.beginning}, {growing.repeated, times}, {growing.end}}).seconds,
+                0.02);
+        };
+        const double few = seconds(growing.times);
+        const double many = seconds(4 * growing.times);
+        std::printf("%-55s %6.2f s, four times as long %6.2f s\n", growing.repeated, few, many);
+        EXPECT_TRUE(!isTimed || many < 10 * few) << growing.repeated;
+    }
 }
 
 }  // namespace

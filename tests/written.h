@@ -13,7 +13,7 @@ std::string written(Write write)
     FILE *stream = open_memstream(&bytes, &size);
     write(stream);
     std::fclose(stream);
-    const std::string text(bytes, size);
+    std::string text(bytes, size);
     std::free(bytes);
     return text;
 }
