@@ -21,9 +21,11 @@ ExpressionValue evaluateChain(const BinaryExpression &root)
     std::vector<PendingOperator> pending;
     pending.reserve(8);
     const Expression *innermost = &root;
-    for (const BinaryExpression *node = &root; node && node->binaryOperator();
-         node = node->left->asBinary()) {
-        pending.push_back({*node->binaryOperator(), node->right->evaluate()});
+    for (const BinaryExpression *node = &root; node; node = node->left->asBinary()) {
+        const std::optional<BinaryOperator> binaryOperator = node->binaryOperator();
+        if (!binaryOperator)
+            break;
+        pending.push_back({*binaryOperator, node->right->evaluate()});
         innermost = node->left.get();
     }
     ExpressionValue value = innermost->evaluate();

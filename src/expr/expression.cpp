@@ -3,7 +3,8 @@
 #include "valueformat.h"
 
 #include <algorithm>
-#include <array>
+#include <new>
+#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -14,40 +15,43 @@ namespace
 /// Of the largest nodes. The others take as much, so that any can follow any.
 constexpr std::size_t nodeSize = sizeof(ConstantExpression);
 
-// Enough for most trees; what a huge one leaves is not kept. Without NDEBUG nothing is, so that a
-// sanitizer sees who uses a node that is released.
+// Enough for long chains. Without NDEBUG nothing is kept, so that a sanitizer sees who uses a node
+// that is released.
 #ifdef NDEBUG
-constexpr std::size_t maximumSpares = 64;
+constexpr std::size_t maximumSpares = 16384;
 #else
 constexpr std::size_t maximumSpares = 0;
 #endif
 
-/// The memory of released nodes. A tree is many small nodes, and gone as soon as it is evaluated:
+/// The memory of a released node. A tree is many small nodes, and gone as soon as it is evaluated:
 /// from the heap they would be a fifth of what an expression costs.
-struct SpareNodes {
-    std::array<void *, maximumSpares> nodes;
-    std::size_t count;
+struct SpareNode {
+    SpareNode *next;
 };
 
 // Per thread, because parsers of different threads have nothing in common. A thread that ends loses
-// its few spares: a destructor would have to be registered, which aborts where memory is short.
-constinit thread_local SpareNodes spares = {};
+// its spares: a destructor would have to be registered, which aborts where memory is short.
+constinit thread_local SpareNode *spares = nullptr;
+constinit thread_local std::size_t spareCount = 0;
 
 }  // namespace
 
 void *Expression::operator new(std::size_t size)
 {
-    if (size > nodeSize || spares.count == 0)
+    if (size > nodeSize || !spares)
         return ::operator new(std::max(size, nodeSize));
-    return spares.nodes[--spares.count];
+    --spareCount;
+    return std::exchange(spares, spares->next);
 }
 
 void Expression::operator delete(void *node, std::size_t size)
 {
-    if (size > nodeSize || spares.count == maximumSpares)
+    if (size > nodeSize || spareCount == maximumSpares) {
         ::operator delete(node);
-    else
-        spares.nodes[spares.count++] = node;
+        return;
+    }
+    ++spareCount;
+    spares = new (node) SpareNode{spares};
 }
 
 QString Expression::dumped() const

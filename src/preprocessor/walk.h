@@ -150,7 +150,7 @@ private:
     static constexpr std::uint64_t stepsPerByteMade = 8;
     static constexpr std::uint64_t stepsPerByteShared = 2;
     static constexpr std::uint64_t stepsPerListCharacter = 32;
-    static constexpr std::uint64_t stepsPerExpressionCharacter = 96;
+    static constexpr std::uint64_t stepsPerExpressionCharacter = 128;
     static constexpr std::uint64_t stepsPerFailure = 10000;
     static constexpr std::uint64_t stepsPerInclude = 12000;
 
