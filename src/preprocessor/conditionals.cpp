@@ -28,8 +28,8 @@ Outcome Walk::unwrapByAttribute(XMLElement &element, bool wanted)
 
 Outcome Walk::handleIfex(XMLElement &element, const Level &)
 {
-    const char *expression = element.attribute("expression");
-    if (!expression || *expression == '\0')
+    const char *expression = attributeText(element, "expression");
+    if (*expression == '\0')
         return Outcome::ordinary();
     bool ok = false;
     const bool value = evaluated(&SimpleExpressionParser::evaluateBool, expanded(expression), &ok);
@@ -38,8 +38,7 @@ Outcome Walk::handleIfex(XMLElement &element, const Level &)
 
 bool Walk::isDefined(const XMLElement &element) const
 {
-    const char *name = element.attribute("name");
-    return macros.contains(name ? name : "");
+    return macros.contains(attributeText(element, "name"));
 }
 
 Outcome Walk::handleIfdef(XMLElement &element, const Level &)
@@ -56,7 +55,7 @@ Outcome Walk::handleIfndef(XMLElement &element, const Level &)
 /// settled before the children are walked, so alternatives count as they are written.
 Outcome Walk::handleSwitch(XMLElement &element, const Level &)
 {
-    const std::string_view value = lookUpOrDefine(element.attribute("name"));
+    const std::string_view value = lookUpOrDefine(attributeText(element, "name"));
     XMLNode *selected = nullptr;
     for (XMLNode *child = element.firstChild; child; child = child->nextSibling) {
         if (child->kind() != XMLNode::Kind::Element)

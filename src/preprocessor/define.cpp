@@ -7,15 +7,12 @@ Outcome Walk::handleDefine(XMLElement &element, const Level &)
         report(QStringLiteral("missing name in <define>"));
         return Outcome::remove();
     }
-    const char *name = element.attribute("name") ? element.attribute("name") : "";
+    const char *name = attributeText(element, "name");
     const bool isHex = !element.hasAttribute("expression");
     if (element.hasAttribute("value")) {
-        {
-            const char *value = element.attribute("value");
-            macros.set(name, value ? value : "");
-        }
+        macros.set(name, attributeText(element, "value"));
     } else if (!isHex || element.hasAttribute("hex_expression")) {
-        const char *text = element.attribute(isHex ? "hex_expression" : "expression");
+        const char *text = attributeText(element, isHex ? "hex_expression" : "expression");
         bool ok = false;
         const quint64 value =
             evaluated(&SimpleExpressionParser::evaluateUnsigned, expanded(text), &ok);

@@ -200,8 +200,7 @@ Outcome Walk::handleFor(XMLElement &element, const Level &)
         report(QStringLiteral("<for index=\"i\" start=\"0\" end=\"32\" incr=\"1\">"));
         return Outcome::remove();
     }
-    const char *index = element.attribute("index");
-    rounds.begin(index ? index : "");
+    rounds.begin(attributeText(element, "index"));
     return {.keep = false,
             .following = copyRounds(element, rounds.count(limits.loopRounds), &rounds)};
 }
@@ -210,13 +209,12 @@ void Walk::readRounds(const XMLElement &element, CountedRounds *rounds)
 {
     bool ok = false;
     const auto bound = [&](const char *name) {
-        const char *text = element.attribute(name);
-        return static_cast<std::uint32_t>(
-            evaluated(&SimpleExpressionParser::evaluateUnsigned, text ? text : "", &ok));
+        return static_cast<std::uint32_t>(evaluated(&SimpleExpressionParser::evaluateUnsigned,
+                                                    attributeText(element, name), &ok));
     };
     const auto derived = [&](const char *name) {
         return static_cast<std::uint32_t>(evaluated(&SimpleExpressionParser::evaluateSigned,
-                                                    expanded(element.attribute(name)), &ok));
+                                                    expanded(attributeText(element, name)), &ok));
     };
     if (element.hasAttribute("add"))
         rounds->offset = derived("add");

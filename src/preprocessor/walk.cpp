@@ -166,21 +166,20 @@ void Walk::checkRoot()
         report(QStringLiteral("the document needs exactly one root element"));
 }
 
-std::string_view Walk::lookUpOrDefine(const char *name)
+std::string_view Walk::lookUpOrDefine(std::string_view name)
 {
-    const std::string_view key = name ? name : "";
     std::string_view value;
     // Nothing in a document equals a value that is not in Latin-1, as nothing equals an empty one.
-    if (macros.findLatin1(key, &value) == Lookup::Missing)
-        macros.set(key, "");
+    if (macros.findLatin1(name, &value) == Lookup::Missing)
+        macros.set(name, "");
     return value;
 }
 
 /// \a text with the level's macros in it, for an expression that is about to be evaluated.
-std::string Walk::expanded(const char *text)
+std::string Walk::expanded(std::string_view text)
 {
     std::string result;
-    globalMacros.expandLatin1(macros, text ? text : "", &result);
+    globalMacros.expandLatin1(macros, text, &result);
     return result;
 }
 
@@ -191,8 +190,7 @@ std::unique_ptr<Scope> Walk::contentScope(const XMLElement &directive, const Lev
     auto scope = std::make_unique<Scope>(&macros, fileName, level.expand, level.includes);
     const bool takesMacros = level.expand || directive.hasAttribute("expand_macros");
     if (takesMacros && directive.hasAttribute("macros")) {
-        const char *list = directive.attribute("macros");
-        const std::string_view items = list ? list : "";
+        const std::string_view items = attributeText(directive, "macros");
         macros.setList(items);
         work += stepsPerListCharacter * items.size();
         scope->expand = true;

@@ -20,6 +20,13 @@ struct Dissolving {
     XMLNode **end = nullptr;  ///< the link at the end of the children; null until they are walked
 };
 
+/// The value of an attribute; empty when there is none, or it has no value.
+inline const char *attributeText(const XMLElement &element, const char *name)
+{
+    const char *value = element.attribute(name);
+    return value ? value : "";
+}
+
 /// Where a chain of siblings stands.
 struct Level {
     const QString &fileName;           ///< the file that holds it, as it was named
@@ -124,8 +131,8 @@ private:
     Chain copyRounds(const XMLElement &loop, unsigned count, class LoopRounds *rounds);
 
     /// The value of a macro, which becomes defined as empty when it is not defined yet.
-    std::string_view lookUpOrDefine(const char *name);
-    std::string expanded(const char *text);
+    std::string_view lookUpOrDefine(std::string_view name);
+    std::string expanded(std::string_view text);
     /// The value of the expression \a text, as \a evaluate reads it.
     template <typename Value>
     Value evaluated(Value (SimpleExpressionParser::*evaluate)(const char *, bool *),
