@@ -17,10 +17,10 @@ inline std::string treeText(const XMLNode *node, bool lines = false)
         const auto *element = static_cast<const XMLElement *>(node);
         text = element->name();
         for (const XMLAttribute &attribute : element->attributes()) {
-            text += (&attribute == element->attributes().first ? "[" : " ");
+            text += (&attribute == element->attributes().data() ? "[" : " ");
             text += attribute.name + (attribute.value ? "=" + std::string(attribute.value) : "");
         }
-        text += element->attributes().first ? "]" : "";
+        text += !element->attributes().empty() ? "]" : "";
     } else {
         const std::string data = static_cast<const XMLText *>(node)->data();
         text = node->kind() == XMLNode::Kind::Data      ? "#" + data

@@ -17,12 +17,12 @@ Outcome Walk::handleIfnot(XMLElement &element, const Level &)
 /// must be the macro's value.
 Outcome Walk::unwrapByAttribute(XMLElement &element, bool wanted)
 {
-    const XMLAttribute *condition = element.attributes().first;
-    if (!condition || condition->next) {
+    const std::span<const XMLAttribute> attributes = std::as_const(element).attributes();
+    if (attributes.size() != 1) {
         report(QStringLiteral("one condition required for <if[not]>"));
         return Outcome::ordinary();
     }
-    const bool matches = hasAlternative(condition->value, lookUpOrDefine(condition->name));
+    const bool matches = hasAlternative(attributes[0].value, lookUpOrDefine(attributes[0].name));
     return Outcome::unwrapIf(matches == wanted, element);
 }
 

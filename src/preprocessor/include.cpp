@@ -17,19 +17,19 @@ void inheritAttributes(const XMLElement &source, const char *list, XMLElement *t
     std::unordered_map<std::string_view, const char *, NameHash> values;
     for (const XMLAttribute &attribute : source.attributes())
         values.emplace(attribute.name, attribute.value);
-    std::unordered_map<std::string_view, XMLAttribute *, NameHash> present;
-    for (XMLAttribute &attribute : target->attributes())
-        present.emplace(attribute.name, &attribute);
-    XMLAttributeAppender appender(&target->attributes());
+    std::unordered_map<std::string_view, std::size_t, NameHash> present;
+    for (std::size_t index = 0; index < target->attributes().size(); ++index)
+        present.emplace(target->attributes()[index].name, index);
     for (;;) {
         const std::size_t length = std::strcspn(list, ";");
         const auto value = values.find({list, length});
         const char *inherited = value == values.end() ? nullptr : value->second;
-        const auto [entry, isNew] = present.try_emplace({list, length}, nullptr);
+        const std::size_t count = target->attributes().size();
+        const auto [entry, isNew] = present.try_emplace({list, length}, count);
         if (length > 0 && isNew)
-            entry->second = appender.append(XMLDocument::copyString(list, length), inherited);
+            target->appendAttribute(XMLDocument::copyString(list, length), inherited);
         else if (length > 0)
-            entry->second->value = inherited;
+            target->attributes()[entry->second].value = inherited;
         if (list[length] == '\0')
             return;
         list += length + 1;

@@ -40,19 +40,19 @@ char *allocateText(std::size_t length, Pool *pool)
 
 }  // namespace
 
-char *readText(FILE *stream, Pool *pool)
+std::span<char> readText(FILE *stream, Pool *pool)
 {
     // Most files end within the first piece, and a directory, which names a size out of all
     // reason, fails with it.
     char first[std::size_t{1} << 14];
     const std::size_t firstLength = std::fread(first, 1, sizeof first, stream);
     if (std::ferror(stream))
-        return nullptr;
+        return {};
     const std::size_t size =
         firstLength < sizeof first ? firstLength : std::max(fileSize(stream), firstLength);
     char *text = allocateText(size, pool);
     std::copy_n(first, firstLength, text);
-    const std::size_t length =
+    std::size_t length =
         firstLength + std::fread(text + firstLength, 1, size - firstLength, stream);
     text[length] = '\0';
     if (length == size && !std::feof(stream)) {
@@ -62,7 +62,10 @@ char *readText(FILE *stream, Pool *pool)
             char *whole = allocateText(length + rest.size(), pool);
             std::copy(rest.begin(), rest.end(), std::copy_n(text, length, whole));
             text = whole;
+            length += rest.size();
         }
     }
-    return std::ferror(stream) ? nullptr : text;
+    if (std::ferror(stream))
+        return {};
+    return {text, length};
 }

@@ -3,6 +3,7 @@
 #include "pool.h"
 
 #include <cstdio>
+#include <span>
 
 /// A stream that is closed with this object; null when it could not be opened.
 class InputStream
@@ -23,6 +24,6 @@ private:
     FILE *stream;
 };
 
-/// All that \a stream holds from where it stands, with a NUL behind it, in \a pool. Null when it
-/// cannot be read.
-char *readText(FILE *stream, Pool *pool);
+/// All that \a stream holds from where it stands, with a NUL behind it, in \a pool. Its data is
+/// null when it cannot be read.
+std::span<char> readText(FILE *stream, Pool *pool);

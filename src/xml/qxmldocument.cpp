@@ -35,8 +35,10 @@ XMLElement *QXMLDocument::copyElementExpanded(const XMLElement *source, MacroLoo
 XMLElement *QXMLDocument::copyOneExpanded(const XMLElement *source, MacroLookup &macros)
 {
     XMLElement *copy = createElement(source->name());
-    const bool isBare = copy->attributes().isEmpty();
-    XMLAttributeAppender copied(&copy->attributes());
+    const bool isBare = copy->attributes().empty();
+    std::span<XMLAttribute> copied;
+    if (isBare)
+        copied = copy->makeAttributes(source->attributes().size());
     bool isLiteral = true;
     for (const XMLAttribute &attribute : source->attributes()) {
         std::string_view text = attribute.value ? attribute.value : "";
@@ -49,10 +51,12 @@ XMLElement *QXMLDocument::copyOneExpanded(const XMLElement *source, MacroLookup 
         }
         const char *value = isNull ? nullptr : copyString(text.data(), text.size());
         const char *name = copyString(attribute.name, std::strlen(attribute.name));
-        if (isBare)
-            copied.append(name, value);
-        else
+        if (isBare) {
+            copied.front() = {name, value};
+            copied = copied.subspan(1);
+        } else {
             copy->setAttribute(name, value);
+        }
     }
     if (isLiteral && isBare)
         copy->setLiteral();

@@ -7,6 +7,7 @@
 #include "xmlreader.h"
 #include "xmlwriter.h"
 
+#include <algorithm>
 #include <cstring>
 
 XMLDocument::XMLDocument(bool keepCommentsAndData) : keepComments(keepCommentsAndData) {}
@@ -38,12 +39,12 @@ XMLNode *XMLDocument::copyOne(const XMLNode *source)
     case XMLNode::Kind::Element: {
         const auto *element = static_cast<const XMLElement *>(source);
         XMLElement *copy = createElement(element->name());
-        const bool isBare = copy->attributes().isEmpty();
-        XMLAttributeAppender copied(&copy->attributes());
-        for (const XMLAttribute &attribute : element->attributes()) {
-            if (isBare)
-                copied.append(attribute.name, attribute.value);
-            else
+        // An element of a subclass can come with attributes of its own.
+        if (copy->attributes().empty()) {
+            std::ranges::copy(element->attributes(),
+                              copy->makeAttributes(element->attributes().size()).begin());
+        } else {
+            for (const XMLAttribute &attribute : element->attributes())
                 copy->setAttribute(attribute.name, attribute.value);
         }
         return copy;
@@ -62,12 +63,14 @@ XMLNode *XMLDocument::copyOne(const XMLNode *source)
 
 bool XMLDocument::parse(char *text)
 {
-    const std::size_t size = std::strlen(text) + 1;
-    return parseOwn(static_cast<char *>(std::memcpy(allocate(size), text, size)));
+    const std::size_t length = std::strlen(text);
+    char *own = static_cast<char *>(allocate(length + 1));
+    std::memcpy(own, text, length + 1);
+    return parseOwn({own, length});
 }
 
-/// parse() with text that lies in the pool and becomes part of the tree.
-bool XMLDocument::parseOwn(char *text)
+/// parse() with text that lies in the pool, has a NUL behind it and becomes part of the tree.
+bool XMLDocument::parseOwn(std::span<char> text)
 {
     const CurrentPool current(this);
     XMLReader reader(this, text);
@@ -98,8 +101,8 @@ bool XMLDocument::load(const char *fileName)
 /// only for the message.
 bool XMLDocument::readOn(FILE *stream, const char *fileName)
 {
-    char *text = stream ? readText(stream, this) : nullptr;
-    if (text)
+    const std::span<char> text = stream ? readText(stream, this) : std::span<char>();
+    if (text.data())
         return parseOwn(text);
     errorLine = 0;
     return fail("couldn't read ", fileName);

@@ -66,7 +66,7 @@ public:
 
 private:
     XMLNode *copyOne(const XMLNode *source);
-    bool parseOwn(char *text);
+    bool parseOwn(std::span<char> text);
     bool readOn(FILE *stream, const char *fileName);
     bool fail(const char *message, const char *fileName);
 };

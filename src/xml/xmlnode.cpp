@@ -1,6 +1,9 @@
 #include "xmlnode.h"
 
+#include <algorithm>
+#include <bit>
 #include <cstring>
+#include <new>
 
 namespace
 {
@@ -12,6 +15,13 @@ XMLNode **findLink(XMLNode *parent, const XMLNode *child)
     while (*link && *link != child)
         link = &(*link)->nextSibling;
     return link;
+}
+
+/// Attributes for which there is memory where there are \a count of them: no more than those few
+/// that most elements have, and so many that appending one by one costs no more than it has to.
+std::size_t attributeRoom(std::size_t count)
+{
+    return count <= 8 ? count : std::bit_ceil(count);
 }
 
 }  // namespace
@@ -69,29 +79,52 @@ void XMLNode::insertAfter(XMLNode *refChild, XMLNode *chain)
 
 XMLAttribute *XMLElement::findAttribute(const char *name) const
 {
-    for (XMLAttribute &attribute : attributeList) {
-        if (std::strcmp(attribute.name, name) == 0)
-            return &attribute;
+    for (XMLAttribute *attribute = firstAttribute; attribute != firstAttribute + attributeCount;
+         ++attribute) {
+        if (std::strcmp(attribute->name, name) == 0)
+            return attribute;
     }
     return nullptr;
 }
 
+std::span<XMLAttribute> XMLElement::makeAttributes(std::size_t count)
+{
+    constexpr std::size_t mostAttributes = (std::size_t{1} << 28) - 1;
+    if (count > mostAttributes)
+        throw std::bad_alloc();
+    firstAttribute = static_cast<XMLAttribute *>(
+        Pool::allocateCurrent(attributeRoom(count) * sizeof(XMLAttribute)));
+    attributeCount = static_cast<std::uint32_t>(count) & mostAttributes;
+    return {firstAttribute, count};
+}
+
+void XMLElement::appendAttribute(const char *name, const char *value)
+{
+    literal = 0;
+    const std::size_t count = attributeCount;
+    if (count == attributeRoom(count)) {
+        const std::span<XMLAttribute> before(firstAttribute, count);
+        std::copy(before.begin(), before.end(), makeAttributes(count + 1).begin());
+    } else {
+        ++attributeCount;
+    }
+    firstAttribute[count] = {name, value};
+}
+
 void XMLElement::setAttribute(const char *name, const char *value)
 {
-    literal = false;
+    literal = 0;
     if (XMLAttribute *attribute = findAttribute(name))
         attribute->value = value;
     else
-        XMLAttributeAppender(&attributeList).append(name, value);
+        appendAttribute(name, value);
 }
 
 void XMLElement::removeAttribute(const char *name)
 {
-    for (XMLAttribute **link = &attributeList.first; *link; link = &(*link)->next) {
-        if (std::strcmp((*link)->name, name) == 0) {
-            *link = (*link)->next;
-            return;
-        }
+    if (XMLAttribute *attribute = findAttribute(name)) {
+        std::copy(attribute + 1, firstAttribute + attributeCount, attribute);
+        --attributeCount;
     }
 }
 

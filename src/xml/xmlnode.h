@@ -3,18 +3,22 @@
 #include "pool.h"
 
 #include <cstddef>
-#include <iterator>
+#include <cstdint>
+#include <span>
 
 /// One node of a document. Its children are a singly linked chain in document order. Nodes live
 /// in a pool and point to strings that somebody else keeps alive, as a rule in the same pool:
-/// nothing here copies, allocates (but for attribute entries) or frees. A broken precondition is
+/// nothing here copies, allocates (but for the attributes) or frees. A broken precondition is
 /// a bug in the caller.
 class XMLNode : public PoolObject
 {
 public:
     enum class Kind : unsigned char { Other, Element, Data, Comment, CDATASection };
 
-    explicit XMLNode(Kind nodeKind = Kind::Other) : ownKind(nodeKind) {}
+    explicit XMLNode(Kind nodeKind = Kind::Other)
+        : ownKind(static_cast<std::uint32_t>(nodeKind) & 7)
+    {
+    }
     virtual ~XMLNode() = default;
     XMLNode(const XMLNode &) = delete;
     XMLNode &operator=(const XMLNode &) = delete;
@@ -35,7 +39,7 @@ public:
     /// node without children takes the chain as its children and ignores \a refChild.
     virtual void insertAfter(XMLNode *refChild, XMLNode *chain);
 
-    Kind kind() const { return ownKind; }
+    Kind kind() const { return static_cast<Kind>(ownKind); }
 
     XMLNode *parent = nullptr;       ///< null for the root and for what is not linked
     XMLNode *nextSibling = nullptr;  ///< null at the end of the chain
@@ -43,7 +47,12 @@ public:
     int line = 0;  ///< where its markup began, counted from 0; set by the reader only
 
 private:
-    Kind ownKind;
+    friend class XMLElement;
+
+    // In XMLElement, to which they belong, the last two would make every element 8 bytes larger.
+    std::uint32_t ownKind : 3;
+    std::uint32_t literal : 1 = 0;
+    std::uint32_t attributeCount : 28 = 0;
 };
 
 /// Makes \a newParent the parent of \a chain and all its following siblings, links the last of
@@ -52,79 +61,9 @@ XMLNode *adoptChain(XMLNode *newParent, XMLNode *chain, XMLNode *next);
 
 /// A name and a value of an element. The value can be null: the attribute is there, its text is
 /// empty.
-struct XMLAttribute : PoolObject {
-    XMLAttribute(const char *attributeName, const char *attributeValue)
-        : name(attributeName),
-          value(attributeValue)
-    {
-    }
-
+struct XMLAttribute {
     const char *name;
     const char *value;
-    XMLAttribute *next = nullptr;
-};
-
-/// The attributes of an element in the order in which they were set.
-class XMLAttributeList
-{
-public:
-    class iterator
-    {
-    public:
-        using iterator_category = std::forward_iterator_tag;
-        using value_type = XMLAttribute;
-        using difference_type = std::ptrdiff_t;
-        using pointer = XMLAttribute *;
-        using reference = XMLAttribute &;
-
-        explicit iterator(XMLAttribute *attribute = nullptr) : current(attribute) {}
-        XMLAttribute &operator*() const { return *current; }
-        XMLAttribute *operator->() const { return current; }
-        iterator &operator++()
-        {
-            current = current->next;
-            return *this;
-        }
-        iterator operator++(int)
-        {
-            const iterator before = *this;
-            ++*this;
-            return before;
-        }
-        bool operator==(const iterator &other) const = default;
-
-    private:
-        XMLAttribute *current;
-    };
-
-    iterator begin() const { return iterator(first); }
-    iterator end() const { return iterator(); }
-    bool isEmpty() const { return !first; }
-
-    XMLAttribute *first = nullptr;
-};
-
-/// Appends to an attribute list without looking whether a name is there already, and without
-/// walking to its end each time. The list must not be changed otherwise meanwhile.
-class XMLAttributeAppender
-{
-public:
-    explicit XMLAttributeAppender(XMLAttributeList *list) : link(&list->first)
-    {
-        while (*link)
-            link = &(*link)->next;
-    }
-
-    XMLAttribute *append(const char *name, const char *value)
-    {
-        auto *attribute = new XMLAttribute(name, value);
-        *link = attribute;
-        link = &attribute->next;
-        return attribute;
-    }
-
-private:
-    XMLAttribute **link;
 };
 
 class XMLElement : public XMLNode
@@ -146,24 +85,30 @@ public:
     /// The value of the first attribute of that name. Null when there is none, and also when it
     /// has no value.
     virtual const char *attribute(const char *name) const;
-    virtual XMLAttributeList &attributes()
+    /// In the order in which they were set; valid until one is added or removed.
+    virtual std::span<XMLAttribute> attributes()
     {
-        literal = false;
-        return attributeList;
+        literal = 0;
+        return {firstAttribute, attributeCount};
     }
-    const XMLAttributeList &attributes() const { return attributeList; }
+    std::span<const XMLAttribute> attributes() const { return {firstAttribute, attributeCount}; }
+
+    /// Adds an attribute without looking whether the name is there already.
+    void appendAttribute(const char *name, const char *value);
+
+    /// Gives an element that has none \a count attributes. The caller sets what they are.
+    std::span<XMLAttribute> makeAttributes(std::size_t count);
 
     /// Whether no attribute value holds a '$', as far as that is known: the reader tells, and
     /// whatever could change an attribute makes it unknown.
-    bool isLiteral() const { return literal; }
-    void setLiteral() { literal = true; }
+    bool isLiteral() const { return literal != 0; }
+    void setLiteral() { literal = 1; }
 
 private:
     XMLAttribute *findAttribute(const char *name) const;
 
-    bool literal = false;
     const char *tag;
-    XMLAttributeList attributeList;
+    XMLAttribute *firstAttribute = nullptr;
 };
 
 /// What character data, comments and CDATA sections have in common: one text.

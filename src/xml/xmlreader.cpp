@@ -4,7 +4,9 @@
 #include "references.h"
 #include "xmldocument.h"
 
+#include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace
 {
@@ -20,72 +22,64 @@ Char *findByte(char byte, Char *from)
     return found ? found : from + std::strlen(from);
 }
 
-bool beginsWith(const char *text, std::string_view beginning)
+/// What stands behind the name, which can be empty, that begins at \a from.
+char *passName(char *from)
 {
-    for (const char c : beginning) {
-        if (*text++ != c)
-            return false;
-    }
-    return true;
+    while (CharacterClass::is(CharacterClass::Name, *from))
+        ++from;
+    return from;
+}
+
+char *passSpace(char *from)
+{
+    while (CharacterClass::is(CharacterClass::Space, *from))
+        ++from;
+    return from;
+}
+
+/// Steps over one byte, whatever it is, but never past the end of the text.
+char *passByte(char *from)
+{
+    return *from == '\0' ? from : from + 1;
 }
 
 }  // namespace
 
-NextByte::NextByte(char wantedByte, const char *text) : byte(wantedByte), next(findByte(byte, text))
-{
-}
-
 void NextByte::find(const char *from)
 {
-    next = findByte(byte, from);
+    constexpr std::ptrdiff_t step = 1 << 15;
+    searched = from + std::min(step, end - from);
+    const void *found = std::memchr(from, byte, static_cast<std::size_t>(searched - from));
+    next = found ? static_cast<const char *>(found) : searched;
 }
 
-XMLReader::XMLReader(XMLDocument *target, char *text)
+XMLReader::XMLReader(XMLDocument *target, std::span<char> text)
     : document(target),
-      position(text),
+      position(text.data()),
       ampersands('&', text),
       dollars('$', text),
       // A newline that is the very first byte is never counted.
-      nextNewline(*text == '\0' ? text : findByte('\n', text + 1)),
+      nextNewline(text.empty() ? position : findByte('\n', position + 1)),
       keepComments(target->keepComments)
 {
 }
 
-inline void XMLReader::skipSpace()
+void XMLReader::skipSpace()
 {
-    char *p = position;
-    while (CharacterClass::is(CharacterClass::Space, *p))
-        ++p;
-    position = p;
+    position = passSpace(position);
 }
 
-/// Steps over one byte, whatever it is, but never past the end of the text.
-inline void XMLReader::skipByte()
-{
-    if (*position != '\0')
-        ++position;
-}
-
-inline XMLReader::Span XMLReader::readName()
+XMLReader::Span XMLReader::readName()
 {
     char *const start = position;
-    char *p = start;
-    while (CharacterClass::is(CharacterClass::Name, *p))
-        ++p;
-    position = p;
-    return {start, p};
+    position = passName(start);
+    return {start, position};
 }
 
-/// The text between the quote here and the next one, or the end; stands behind the white space
-/// that follows it.
-inline XMLReader::Span XMLReader::readQuoted()
+/// The text between the quote at \a quote and the next one, or the end.
+inline XMLReader::Span XMLReader::quotedAt(char *quote)
 {
-    char *const start = position + 1;
-    char *const end = findByte('"', start);
-    position = end;
-    skipByte();
-    skipSpace();
-    return {start, end};
+    return {quote + 1, findByte('"', quote + 1)};
 }
 
 XMLNode *XMLReader::read()
@@ -157,7 +151,8 @@ bool XMLReader::readDeclarationValue(const Span &name)
         result = nullptr;
         return false;
     }
-    const Span value = readQuoted();
+    const Span value = quotedAt(position);
+    position = passSpace(passByte(value.end));
     if (name.view() == "version")
         document->version = XMLDocument::copyString(value.start, value.length());
     else if (name.view() == "encoding")
@@ -194,10 +189,10 @@ void XMLReader::readComment()
 
 void XMLReader::readCData()
 {
-    skipByte();
+    position = passByte(position);
     readName();
     skipSpace();
-    skipByte();
+    position = passByte(position);
     Span text{};
     if (findEnd("]]>", &text) && !open.empty())
         append(new XMLCDATASection(endText(text)), markupLine);
@@ -233,108 +228,106 @@ bool XMLReader::findEnd(const char *terminator, Span *text)
     }
 }
 
+// Here and in what it calls, the position is handed on in a local: every NUL that ends a string
+// could otherwise, for all that the compiler knows, change the member.
 bool XMLReader::readStartTag()
 {
     ampersands.passTo(position);
     dollars.passTo(position);
-    const Span name = readName();
-    skipSpace();
-    startAttributes();
-    for (;;) {
-        switch (*position) {
-        case '\0':
-            openElement(name);
-            return true;
-        case '>':
-            openElement(name);
-            ++position;
-            return true;
-        case '/':
-            openElement(name);
-            return readEndTag();
-        default:
-            if (!readAttribute())
-                return false;
-        }
-    }
-}
-
-void XMLReader::startAttributes()
-{
-    attributes.first = nullptr;
-    attributeEnd = XMLAttributeAppender(&attributes);
-    attributeCount = 0;
+    const Span name{position, passName(position)};
+    attributes.clear();
     if (!attributeIndex.empty())
         attributeIndex = {};
-}
-
-bool XMLReader::readAttribute()
-{
-    if (!CharacterClass::is(CharacterClass::NameStart, *position))
+    char *at = passSpace(name.end);
+    while (CharacterClass::is(CharacterClass::NameStart, *at))
+        at = readAttribute(at);
+    position = at;
+    const char next = *at;
+    if (next != '>' && next != '/' && next != '\0')
         return fail(Error::BadName);
-    const Span name = readName();
-    skipSpace();
-    if (*position != '=')
+    XMLElement *element = makeElement(name);
+    if (next == '/' && at[1] == '>') {
+        closeElement(element);
+        position = at + 2;
         return true;
-    ++position;
-    skipSpace();
-    if (*position == '"')
-        setAttribute(name, readQuoted());
+    }
+    open.push_back({element, &element->firstChild});
+    if (next == '/')
+        return readEndTag();
+    // The byte itself can be the name's NUL by now.
+    if (next == '>')
+        ++position;
     return true;
 }
 
-/// A name that the tag has already gets its value replaced in its place.
-inline void XMLReader::setAttribute(const Span &name, const Span &value)
+/// Returns what stands behind the attribute, whose name begins at \a from, and white space. One
+/// that has no value, or none in quotes, is passed over up to there.
+inline char *XMLReader::readAttribute(char *from)
 {
+    const Span name{from, passName(from)};
+    char *at = passSpace(name.end);
+    if (*at != '=')
+        return at;
+    at = passSpace(at + 1);
+    if (*at != '"')
+        return at;
+    const Span value = quotedAt(at);
+    at = passSpace(passByte(value.end));
     // The newlines up to here are counted first: no later search could see beyond a NUL.
-    lineAt(position);
+    lineAt(at);
     *name.end = '\0';
     *value.end = '\0';
     if (ampersands.isBefore(value.end))
         decodeReferences(value.start, value.end, value.start, false);
-    if (attributeCount == mostComparedNames) {
-        setIndexedAttribute(name.view(), value.start);
+    setAttribute(name, value.start);
+    return at;
+}
+
+/// A name that the tag has already gets its value replaced in its place.
+inline void XMLReader::setAttribute(const Span &name, const char *value)
+{
+    if (attributes.size() >= mostComparedNames) {
+        setIndexedAttribute(name.view(), value);
         return;
     }
     for (XMLAttribute &attribute : attributes) {
         if (*attribute.name == *name.start && std::strcmp(attribute.name, name.start) == 0) {
-            attribute.value = value.start;
+            attribute.value = value;
             return;
         }
     }
-    attributeEnd.append(name.start, value.start);
-    ++attributeCount;
+    attributes.push_back({name.start, value});
 }
 
 void XMLReader::setIndexedAttribute(std::string_view name, const char *value)
 {
     if (attributeIndex.empty()) {
-        for (XMLAttribute &attribute : attributes)
-            attributeIndex.emplace(attribute.name, &attribute);
+        for (std::size_t index = 0; index < attributes.size(); ++index)
+            attributeIndex.emplace(attributes[index].name, index);
     }
-    const auto [entry, isNew] = attributeIndex.try_emplace(name, nullptr);
+    const auto [entry, isNew] = attributeIndex.try_emplace(name, attributes.size());
     if (isNew)
-        entry->second = attributeEnd.append(name.data(), value);
+        attributes.push_back({name.data(), value});
     else
-        entry->second->value = value;
+        attributes[entry->second].value = value;
 }
 
 /// Makes the element of the tag that was read up to here.
-void XMLReader::openElement(const Span &name)
+XMLElement *XMLReader::makeElement(const Span &name)
 {
     XMLElement *element = document->createElement(endText(name));
     element->line = markupLine;
     // An element of a subclass can come with attributes of its own.
-    const bool isBare = element->attributes().isEmpty();
-    if (isBare) {
-        element->attributes() = attributes;
-        if (!dollars.isBefore(position) && !ampersands.isBefore(position))
-            element->setLiteral();
-    } else {
+    if (!std::as_const(*element).attributes().empty()) {
         for (const XMLAttribute &attribute : attributes)
             element->setAttribute(attribute.name, attribute.value);
+        return element;
     }
-    open.push_back({element, &element->firstChild});
+    if (!attributes.empty())
+        std::ranges::copy(attributes, element->makeAttributes(attributes.size()).begin());
+    if (!dollars.isBefore(position) && !ampersands.isBefore(position))
+        element->setLiteral();
+    return element;
 }
 
 /// Ends \a text, all of which and the byte behind it was read, with a NUL.
@@ -348,27 +341,35 @@ const char *XMLReader::endText(const Span &text)
 /// An end tag, or the end of an empty-element tag, from its '/'.
 bool XMLReader::readEndTag()
 {
-    ++position;
-    if (*position != '>') {
-        const Span name = readName();
-        skipSpace();
+    char *at = position + 1;
+    if (*at != '>') {
         // A beginning of the open element's name will do, the empty one included.
-        if (!open.empty() && !beginsWith(open.back().element->name(), name.view()))
+        const char *expected = open.empty() ? "" : open.back().element->name();
+        while (CharacterClass::is(CharacterClass::Name, *at) && *at == *expected) {
+            ++at;
+            ++expected;
+        }
+        const bool matches = open.empty() || !CharacterClass::is(CharacterClass::Name, *at);
+        position = passSpace(passName(at));
+        if (!matches)
             return fail(Error::Mismatch);
+        at = position;
     }
-    if (*position == '>') {
-        closeElement();
-        ++position;
+    position = at;
+    if (*at != '>')
+        return true;
+    ++position;
+    if (!open.empty()) {
+        XMLElement *element = open.back().element;
+        open.pop_back();
+        closeElement(element);
     }
     return true;
 }
 
-void XMLReader::closeElement()
+/// Links \a element, behind whose end the read stands, to the innermost open element.
+inline void XMLReader::closeElement(XMLElement *element)
 {
-    if (open.empty())
-        return;
-    XMLElement *element = open.back().element;
-    open.pop_back();
     if (open.empty())
         result = element;
     else
@@ -378,7 +379,11 @@ void XMLReader::closeElement()
 void XMLReader::readCharacterData()
 {
     char *const start = position;
-    position = findByte('<', start);
+    // Mostly it is the end of a line and a short indentation.
+    char *at = start;
+    for (int step = 0; step < 16 && CharacterClass::is(CharacterClass::Space, *at); ++step)
+        ++at;
+    position = *at == '<' ? at : findByte('<', at);
     if (!keepComments || open.empty())
         return;
     char *const text = XMLDocument::copyString(start, Span{start, position}.length());

@@ -4,36 +4,51 @@
 #include "xmlnode.h"
 
 #include <cstddef>
+#include <span>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 class XMLDocument;
 
-/// Where a byte occurs in NUL-terminated text that is read from its start to its end: every
-/// occurrence is searched for once, however often and for however short a span is asked.
+/// Where a byte occurs in text that is read from its start to its end: each part of the text is
+/// searched once, however often and for however short a span is asked, and just before it is read,
+/// as that brings it into the cache.
 class NextByte
 {
 public:
-    NextByte(char wantedByte, const char *text);
+    NextByte(char wantedByte, std::span<const char> text)
+        : byte(wantedByte),
+          next(text.data()),
+          searched(text.data()),
+          end(text.data() + text.size())
+    {
+    }
 
-    /// Passes what is before \a where, which never decreases. No NUL may have been put behind it.
+    /// Passes what is before \a where, which never decreases.
     void passTo(const char *where)
     {
         if (next < where)
             find(where);
     }
     /// Whether the byte is between what was passed and \a where.
-    bool isBefore(const char *where) const { return next < where; }
+    bool isBefore(const char *where)
+    {
+        while (next < where && next == searched)
+            find(next);
+        return next < where;
+    }
 
 private:
     void find(const char *from);
 
     char byte;
-    const char *next;  ///< its first occurrence that was not passed yet, or the end of the text
+    const char *next;  ///< its first occurrence that was not passed yet, or where searching ended
+    const char *searched;  ///< how far the text was searched
+    const char *end;
 };
 
-/// One read: a single pass over NUL-terminated text, from its first byte to the NUL or to the
+/// One read: a single pass over text with a NUL behind it, from its first byte to the NUL or to the
 /// first error, without looking back. The text lies in the document's pool, which must be the
 /// current one and takes the nodes, and the reader takes it over: the strings of the nodes are
 /// pieces of it, decoded where they are and ended with a NUL. What XML 1.0 has and this reader has not is passed over
@@ -47,7 +62,7 @@ public:
         Mismatch,  ///< an end tag's name is no beginning of the open element's name
     };
 
-    XMLReader(XMLDocument *target, char *text);
+    XMLReader(XMLDocument *target, std::span<char> text);
 
     /// The last top-level element that was closed. Null when there is none.
     XMLNode *read();
@@ -78,21 +93,19 @@ private:
     void readCData();
     void readDoctype();
     bool readStartTag();
-    bool readAttribute();
+    char *readAttribute(char *from);
     bool readEndTag();
     void readCharacterData();
 
     void skipSpace();
-    void skipByte();
     Span readName();
-    Span readQuoted();
+    static Span quotedAt(char *quote);
     bool findEnd(const char *terminator, Span *text);
 
-    void setAttribute(const Span &name, const Span &value);
+    void setAttribute(const Span &name, const char *value);
     void setIndexedAttribute(std::string_view name, const char *value);
-    void startAttributes();
-    void openElement(const Span &name);
-    void closeElement();
+    XMLElement *makeElement(const Span &name);
+    void closeElement(XMLElement *element);
     const char *endText(const Span &text);
     void append(XMLNode *node, int line);
     bool fail(Error what);
@@ -122,8 +135,6 @@ private:
 
     /// The attributes of the tag that is being read. Once there are many, names are looked up
     /// through the index, so that a long list costs what its text costs.
-    XMLAttributeList attributes;
-    XMLAttributeAppender attributeEnd{&attributes};
-    std::size_t attributeCount = 0;  ///< up to the number from which on the index is used
-    std::unordered_map<std::string_view, XMLAttribute *, NameHash> attributeIndex;
+    std::vector<XMLAttribute> attributes;
+    std::unordered_map<std::string_view, std::size_t, NameHash> attributeIndex;
 };
