@@ -5,39 +5,52 @@
 #include <cstdint>
 #include <cstring>
 
-const Walk::Directive Walk::directives[] = {
-    {"if", &Walk::handleIf},           {"ifnot", &Walk::handleIfnot},
-    {"ifex", &Walk::handleIfex},       {"ifdef", &Walk::handleIfdef},
-    {"ifndef", &Walk::handleIfndef},   {"switch", &Walk::handleSwitch},
-    {"include", &Walk::handleInclude}, {"define", &Walk::handleDefine},
-    {"for", &Walk::handleFor},         {"xmldef", &Walk::handleXmldef},
-    {"xmlput", &Walk::handleXmlput},   {"foreach", &Walk::handleForeach},
-};
-
 namespace
 {
 
-/// Letters as bits; other bytes share bits with letters, so this only tells what is not there.
-constexpr std::uint32_t bit(char c)
+/// A name as a number. Of names with less than eight characters no two have the same, nor has one
+/// the same as a longer name.
+constexpr std::uint64_t asNumber(const char *name)
 {
-    return std::uint32_t{1} << (static_cast<unsigned char>(c) & 31);
+    std::uint64_t number = 0;
+    for (int length = 0; length < 8 && *name != '\0'; ++length)
+        number = number << 8 | static_cast<unsigned char>(*name++);
+    return number;
 }
 
 }  // namespace
 
-const Walk::Directive *Walk::findDirective(const char *tag)
+/// What executes the elements of this name; null when they are no directives.
+inline Walk::Handler Walk::findHandler(const char *tag)
 {
-    // The first two letters alone tell nearly every other name from all of these.
-    static constexpr std::uint32_t first = bit('i') | bit('s') | bit('d') | bit('f') | bit('x');
-    static constexpr std::uint32_t second =
-        bit('f') | bit('w') | bit('n') | bit('e') | bit('o') | bit('m');
-    if (!(first & bit(tag[0])) || !(second & bit(tag[1])))
+    switch (asNumber(tag)) {
+    case asNumber("if"):
+        return &Walk::handleIf;
+    case asNumber("ifnot"):
+        return &Walk::handleIfnot;
+    case asNumber("ifex"):
+        return &Walk::handleIfex;
+    case asNumber("ifdef"):
+        return &Walk::handleIfdef;
+    case asNumber("ifndef"):
+        return &Walk::handleIfndef;
+    case asNumber("switch"):
+        return &Walk::handleSwitch;
+    case asNumber("include"):
+        return &Walk::handleInclude;
+    case asNumber("define"):
+        return &Walk::handleDefine;
+    case asNumber("for"):
+        return &Walk::handleFor;
+    case asNumber("foreach"):
+        return &Walk::handleForeach;
+    case asNumber("xmldef"):
+        return &Walk::handleXmldef;
+    case asNumber("xmlput"):
+        return &Walk::handleXmlput;
+    default:
         return nullptr;
-    for (const Directive &directive : directives) {
-        if (std::strcmp(directive.tag, tag) == 0)
-            return &directive;
     }
-    return nullptr;
 }
 
 Walk::Walk(XMLPP2 *target, MacroMap *outermostMacros)
@@ -77,8 +90,8 @@ XMLNode **Walk::walkChain(XMLNode **link, Level &level)
         auto &element = static_cast<XMLElement &>(*node);
         if (level.expand)
             document.expandAttributes(&element, macros);
-        if (const Directive *directive = findDirective(element.name())) {
-            const Outcome outcome = (this->*directive->handler)(element, level);
+        if (const Handler handler = findHandler(element.name())) {
+            const Outcome outcome = (this->*handler)(element, level);
             if (!stopPastBounds())
                 link = apply(link, element, outcome, level);
         } else {

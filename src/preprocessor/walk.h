@@ -96,12 +96,7 @@ public:
 
 private:
     using Handler = Outcome (Walk::*)(XMLElement &, const Level &);
-    struct Directive {
-        const char *tag;
-        Handler handler;
-    };
-    static const Directive directives[];
-    static const Directive *findDirective(const char *tag);
+    static Handler findHandler(const char *tag);
 
     XMLNode **walkChain(XMLNode **link, Level &level);
     void walkChildren(XMLNode *parent, Level level);
