@@ -29,13 +29,15 @@ public:
 
 private:
     static constexpr std::size_t bufferSize = std::size_t{1} << 16;
-    /// Room behind bufferEnd for the few bytes that the writer itself adds from one text to the
-    /// next. Every text, an empty one too, ends before bufferEnd.
+    /// Room behind bufferEnd for the last bytes of a text, and for the few that the writer itself
+    /// adds from one text or indentation to the next, where it looks whether the end is passed.
     static constexpr std::size_t slack = 64;
 
     // Each of these appends at to and returns the new end. It is handed on in locals: every byte
     // that is written could otherwise, for all that the compiler knows, change the member in which
     // the end is kept.
+    template <typename Wanted>
+    char *appendWhile(char *to, const char **text, Wanted wanted);
     char *appendText(char *to, const char *text);
     char *appendEscaped(char *to, const char *text);
     char *appendReference(char *to, unsigned char byte);
