@@ -20,17 +20,13 @@ inline char *append(char *to, std::string_view piece)
 
 }  // namespace
 
-XMLWriter::XMLWriter(FILE *target, int spacesPerLevel)
-    : stream(target),
-      indent(spacesPerLevel),
-      buffer(new char[bufferSize + slack]),
-      bufferEnd(buffer.get() + bufferSize)
-{
-}
+// What is read of the buffer was written there before; a small document uses little of it.
+// cppcheck-suppress uninitMemberVar
+XMLWriter::XMLWriter(FILE *target, int spacesPerLevel) : stream(target), indent(spacesPerLevel) {}
 
 void XMLWriter::writeDocument(const XMLDocument &document)
 {
-    char *to = buffer.get();
+    char *to = buffer;
     const auto appendBetween = [&](const char *before, const char *text, const char *after) {
         if (text)
             to = append(appendText(append(to, before), text), after);
@@ -47,7 +43,7 @@ void XMLWriter::writeDocument(const XMLDocument &document)
 
 void XMLWriter::writeNode(const XMLNode *node, long long depth)
 {
-    flush(appendTree(buffer.get(), node, depth));
+    flush(appendTree(buffer, node, depth));
 }
 
 char *XMLWriter::appendTree(char *to, const XMLNode *node, long long depth)
@@ -78,7 +74,7 @@ char *XMLWriter::appendTree(char *to, const XMLNode *node, long long depth)
 
 void XMLWriter::writeEscaped(const char *text)
 {
-    flush(appendEscaped(buffer.get(), text));
+    flush(appendEscaped(buffer, text));
 }
 
 /// All of \a node that stands before its children.
@@ -205,6 +201,6 @@ inline char *XMLWriter::appendIndentation(char *to, long long depth)
 /// Hands the buffer's content up to \a to over. Returns where the next byte goes.
 char *XMLWriter::flush(char *to)
 {
-    std::fwrite(buffer.get(), 1, static_cast<std::size_t>(to - buffer.get()), stream);
-    return buffer.get();
+    std::fwrite(buffer, 1, static_cast<std::size_t>(to - buffer), stream);
+    return buffer;
 }

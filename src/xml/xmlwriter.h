@@ -3,7 +3,6 @@
 #include "xmlnode.h"
 
 #include <cstdio>
-#include <memory>
 
 class XMLDocument;
 
@@ -50,6 +49,6 @@ private:
 
     FILE *stream;
     int indent;
-    std::unique_ptr<char[]> buffer;
-    char *const bufferEnd;
+    char buffer[bufferSize + slack];
+    char *const bufferEnd = buffer + bufferSize;
 };
