@@ -13,7 +13,7 @@ void Lexer::addToken(QByteArrayView pattern, qint32 kind, qint32 precedence)
         ownTable = std::make_unique<TokenRules>(*table);
         table = ownTable.get();
     }
-    ownTable->addToken(pattern, kind, precedence);
+    ownTable->addToken(pattern.toByteArray(), kind, precedence);
 }
 
 void Lexer::setText(const QByteArray &newText)

@@ -1,33 +1,38 @@
 #include "tokenpattern.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace
 {
 
 using CharacterSet = TokenPattern::CharacterSet;
 
-CharacterSet range(unsigned char first, unsigned char last)
+void addRange(unsigned char first, unsigned char last, CharacterSet *set)
 {
-    CharacterSet set;
     for (unsigned int c = first; c <= last; ++c)
-        set.set(c);
-    return set;
+        (*set)[c] = true;
 }
 
-CharacterSet only(char c)
+void add(char c, CharacterSet *set)
 {
-    return range(static_cast<unsigned char>(c), static_cast<unsigned char>(c));
+    (*set)[static_cast<unsigned char>(c)] = true;
 }
 
-/// What the character behind a backslash stands for.
-CharacterSet escaped(char c)
+/// Adds what the character behind a backslash stands for.
+void addEscaped(char c, CharacterSet *set)
 {
     switch (c) {
     case 'd':
-        return range('0', '9');
+        addRange('0', '9', set);
+        break;
     case 's':
-        return range(9, 13) | only(' ') | range(0xA0, 0xA0);
+        addRange(9, 13, set);
+        addRange(' ', ' ', set);
+        addRange(0xA0, 0xA0, set);
+        break;
     default:
-        return only(c);
+        add(c, set);
     }
 }
 
@@ -39,49 +44,39 @@ char take(QByteArrayView *rest)
     return c;
 }
 
-/// One member of a set: an escape, a range or a character.
-CharacterSet takeMember(QByteArrayView *rest)
+/// Adds one member of a set: an escape, a range or a character.
+void takeMember(QByteArrayView *rest, CharacterSet *set)
 {
     const char c = take(rest);
-    if (c == '\\' && !rest->isEmpty())
-        return escaped(take(rest));
-    if (rest->size() > 1 && rest->front() == '-' && rest->at(1) != ']') {
+    if (c == '\\' && !rest->isEmpty()) {
+        addEscaped(take(rest), set);
+    } else if (rest->size() > 1 && rest->front() == '-' && rest->at(1) != ']') {
         take(rest);
-        return range(static_cast<unsigned char>(c), static_cast<unsigned char>(take(rest)));
+        addRange(static_cast<unsigned char>(c), static_cast<unsigned char>(take(rest)), set);
+    } else {
+        add(c, set);
     }
-    return only(c);
 }
 
-/// The set whose opening bracket is taken already. Empty: nothing closes it.
-CharacterSet takeSet(QByteArrayView *rest)
+/// The set whose opening bracket is taken already. False: nothing closes it, or it is empty.
+bool takeSet(QByteArrayView *rest, CharacterSet *set)
 {
-    CharacterSet set;
     const bool inverted = rest->startsWith('^');
     if (inverted)
         take(rest);
     while (!rest->isEmpty() && rest->front() != ']')
-        set |= takeMember(rest);
+        takeMember(rest, set);
     if (rest->isEmpty())
-        return {};
+        return false;
     take(rest);
-    return inverted ? ~set : set;
+    for (bool &isMember : *set)
+        isMember = isMember != inverted;
+    return std::ranges::find(*set, true) != set->end();
 }
 
 }  // namespace
 
-TokenPattern::TokenPattern(QByteArrayView pattern)
-    : source(pattern.toByteArray()),
-      valid(compile(pattern))
-{
-}
-
-TokenPattern::Step TokenPattern::makeStep(const CharacterSet &set)
-{
-    auto table = std::make_shared<CharacterTable>();
-    for (std::size_t c = 0; c < set.size(); ++c)
-        (*table)[c] = set[c];
-    return {.table = set.any() ? std::move(table) : nullptr};
-}
+TokenPattern::TokenPattern(QByteArray pattern) : source(std::move(pattern)), valid(compile()) {}
 
 /// The next part of a pattern, without what repeats it. False: it is no part that a pattern can
 /// have.
@@ -89,8 +84,10 @@ bool TokenPattern::takePart(QByteArrayView *rest, Step *step)
 {
     char c = take(rest);
     if (c == '[') {
-        *step = makeStep(takeSet(rest));
-        return step->table != nullptr;
+        auto set = std::make_shared<CharacterSet>();
+        const bool isSet = takeSet(rest, set.get());
+        step->set = std::move(set);
+        return isSet;
     }
     if (c != '\\') {
         step->character = c;
@@ -99,42 +96,29 @@ bool TokenPattern::takePart(QByteArrayView *rest, Step *step)
     if (rest->isEmpty())
         return false;
     c = take(rest);
-    if (c == 'd' || c == 's')
-        *step = makeStep(escaped(c));
-    else
+    if (c == 'd' || c == 's') {
+        auto set = std::make_shared<CharacterSet>();
+        addEscaped(c, set.get());
+        step->set = std::move(set);
+    } else {
         step->character = c;
+    }
     return true;
 }
 
-bool TokenPattern::compile(QByteArrayView pattern)
+bool TokenPattern::compile()
 {
-    while (!pattern.isEmpty()) {
-        Step step;
-        if (!takePart(&pattern, &step)) {
+    QByteArrayView rest = source;
+    while (!rest.isEmpty()) {
+        Step &step = steps.emplace_back();
+        if (!takePart(&rest, &step)) {
             steps.clear();
             return false;
         }
-        if (pattern.startsWith('+') || pattern.startsWith('*')) {
+        if (rest.startsWith('+') || rest.startsWith('*')) {
             step.repeated = true;
-            step.optional = take(&pattern) == '*';
+            step.optional = take(&rest) == '*';
         }
-        steps.push_back(std::move(step));
     }
     return true;
-}
-
-QByteArray TokenPattern::firstCharacters() const
-{
-    QByteArray characters;
-    for (const Step &step : steps) {
-        if (!step.table)
-            characters += step.character;
-        for (std::size_t c = 0; step.table && c < step.table->size(); ++c) {
-            if ((*step.table)[c])
-                characters += static_cast<char>(c);
-        }
-        if (!step.optional)
-            break;
-    }
-    return characters;
 }

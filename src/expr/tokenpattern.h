@@ -3,7 +3,6 @@
 #include <QByteArray>
 
 #include <array>
-#include <bitset>
 #include <memory>
 #include <vector>
 
@@ -21,39 +20,37 @@
 class TokenPattern
 {
 public:
-    using CharacterSet = std::bitset<256>;
+    /// By character, whether it is one of them.
+    using CharacterSet = std::array<bool, 256>;
 
-    explicit TokenPattern(QByteArrayView pattern);
+    explicit TokenPattern(QByteArray pattern);
 
     /// The pattern as it was given.
     const QByteArray &text() const { return source; }
     bool isValid() const { return valid; }
-    /// The characters with which a match can begin; none for an invalid pattern. One that more
-    /// than one part of the pattern can begin with is there as often.
-    QByteArray firstCharacters() const;
+    /// Hands each character with which a match can begin to \a take; none for an invalid pattern.
+    /// One that more than one part of the pattern can begin with is handed over as often.
+    template <typename Take>
+    void forEachFirstCharacter(Take take) const;
     /// Characters of [first, last) that the pattern takes, beginning at first. 0: no match.
     qsizetype match(const char *first, const char *last) const;
 
 private:
-    /// By character: found faster than a bit of a set.
-    using CharacterTable = std::array<bool, 256>;
-
     struct Step {
         char character = 0;  ///< the one that it takes; most steps take no other
-        std::shared_ptr<const CharacterTable> table = nullptr;  ///< of those it takes, else
-        bool optional = false;                                  ///< may take no character
-        bool repeated = false;                                  ///< may take more than one
+        std::shared_ptr<const CharacterSet> set = nullptr;  ///< of those it takes, else
+        bool optional = false;                              ///< may take no character
+        bool repeated = false;                              ///< may take more than one
 
         bool takes(char c) const
         {
-            return table ? (*table)[static_cast<unsigned char>(c)] : c == character;
+            return set ? (*set)[static_cast<unsigned char>(c)] : c == character;
         }
     };
 
-    static Step makeStep(const CharacterSet &set);
     static bool takePart(QByteArrayView *rest, Step *step);
 
-    bool compile(QByteArrayView pattern);
+    bool compile();
 
     QByteArray source;
     std::vector<Step> steps;  ///< none where the pattern is invalid
@@ -74,4 +71,19 @@ inline qsizetype TokenPattern::match(const char *first, const char *last) const
         }
     }
     return next - first;
+}
+
+template <typename Take>
+void TokenPattern::forEachFirstCharacter(Take take) const
+{
+    for (const Step &step : steps) {
+        if (!step.set)
+            take(step.character);
+        for (std::size_t c = 0; step.set && c < step.set->size(); ++c) {
+            if ((*step.set)[c])
+                take(static_cast<char>(c));
+        }
+        if (!step.optional)
+            break;
+    }
 }

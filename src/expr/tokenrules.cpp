@@ -69,25 +69,27 @@ constexpr Rule grammar[] = {
     {R"(,)", Token::Comma, -4},
 };
 
-TokenRules makeStandard()
-{
-    TokenRules rules;
-    for (const Rule &rule : grammar)
-        rules.addToken(rule.pattern, rule.kind, rule.precedence);
-    return rules;
-}
-
 }  // namespace
 
 const TokenRules &TokenRules::standard()
 {
-    static const TokenRules rules = makeStandard();
-    return rules;
+    static const TokenRules standardRules = [] {
+        TokenRules made;
+        made.rules.reserve(std::size(grammar));
+        for (const Rule &rule : grammar) {
+            const auto length = static_cast<qsizetype>(qstrlen(rule.pattern));
+            made.addToken(QByteArray::fromRawData(rule.pattern, length), rule.kind,
+                          rule.precedence);
+        }
+        return made;
+    }();
+    return standardRules;
 }
 
-void TokenRules::addToken(QByteArrayView pattern, qint32 kind, qint32 precedence)
+void TokenRules::addToken(const QByteArray &pattern, qint32 kind, qint32 precedence)
 {
+    const auto index = static_cast<std::uint32_t>(rules.size());
     rules.push_back({TokenPattern(pattern), kind, precedence});
-    for (const char c : rules.back().pattern.firstCharacters())
-        candidates[static_cast<unsigned char>(c)].push_back(rules.size() - 1);
+    rules.back().pattern.forEachFirstCharacter(
+        [&](char c) { candidates[static_cast<unsigned char>(c)].append(index); });
 }

@@ -2,9 +2,11 @@
 
 #include "tokenpattern.h"
 
+#include <QVarLengthArray>
 #include <QtGlobal>
 
 #include <array>
+#include <cstdint>
 #include <vector>
 
 /// What a token is. The numbers are part of the interface; 1 is not used.
@@ -91,7 +93,7 @@ public:
     static const TokenRules &standard();
 
     /// Appends a rule. One whose pattern is invalid is listed and never applies.
-    void addToken(QByteArrayView pattern, qint32 kind, qint32 precedence);
+    void addToken(const QByteArray &pattern, qint32 kind, qint32 precedence);
     const std::vector<LexerToken> &list() const { return rules; }
     /// The rule that applies at the beginning of [first, last), which must not be empty, and in
     /// *length the characters that it takes, at least one. Null: none applies.
@@ -99,15 +101,16 @@ public:
 
 private:
     std::vector<LexerToken> rules;
-    /// By first character, the rules that can match there, in the order of the list.
-    std::array<std::vector<std::size_t>, 256> candidates;
+    /// By first character, the rules that can match there, in the order of the list. The standard
+    /// ones need no memory beyond this.
+    std::array<QVarLengthArray<std::uint32_t, 6>, 256> candidates;
 };
 
 // Inline for the same reason as TokenPattern::match().
 inline const LexerToken *TokenRules::find(const char *first, const char *last,
                                           qsizetype *length) const
 {
-    for (const std::size_t index : candidates[static_cast<unsigned char>(*first)]) {
+    for (const std::uint32_t index : candidates[static_cast<unsigned char>(*first)]) {
         *length = rules[index].pattern.match(first, last);
         if (*length > 0)
             return &rules[index];
