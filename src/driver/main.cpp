@@ -79,13 +79,25 @@ int run(int argc, char **argv)
     return EXIT_SUCCESS;
 }
 
+/// Ends the process without the destructors of what the libraries keep, which take a thirtieth of a
+/// small run; the system takes everything back at once. No stream holds anything any more. Without
+/// NDEBUG they run, so that a sanitizer can look for leaks at the end.
+[[noreturn]] void endProcess(int status)
+{
+#ifdef NDEBUG
+    std::_Exit(status);
+#else
+    std::exit(status);
+#endif
+}
+
 }  // namespace
 
 int main(int argc, char **argv)
 {
     prepareProcess();
     try {
-        return run(argc, argv);
+        endProcess(run(argc, argv));
     } catch (const std::bad_alloc &) {
         endWithoutMemory();
     }
