@@ -1,5 +1,7 @@
 #include "blockmemory.h"
 
+#include <algorithm>
+#include <bit>
 #include <new>
 #include <sys/mman.h>
 
@@ -7,7 +9,8 @@ namespace
 {
 
 constexpr std::size_t slabsBegin = std::size_t{1} << 20;
-constexpr std::size_t slabSize = std::size_t{1} << 18;
+/// A slab takes no more than a quarter of what was asked for, so that little is backed in vain.
+constexpr std::size_t largestSlab = std::size_t{1} << 20;
 /// The kernel also copies a file faster to the start of a page.
 constexpr std::align_val_t page{4096};
 
@@ -31,6 +34,7 @@ char *takeBlockMemory(std::size_t size)
     total += size;
     if (total < slabsBegin)
         return new char[size];
+    const std::size_t slabSize = std::min(std::bit_floor(total / 4), largestSlab);
     if (size > slabSize)
         return makeSlab(size);
     if (size > slabLeft) {
