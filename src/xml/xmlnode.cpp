@@ -1,9 +1,7 @@
 #include "xmlnode.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
-#include <new>
 
 namespace
 {
@@ -15,13 +13,6 @@ XMLNode **findLink(XMLNode *parent, const XMLNode *child)
     while (*link && *link != child)
         link = &(*link)->nextSibling;
     return link;
-}
-
-/// Attributes for which there is memory where there are \a count of them: no more than those few
-/// that most elements have, and so many that appending one by one costs no more than it has to.
-std::size_t attributeRoom(std::size_t count)
-{
-    return count <= 8 ? count : std::bit_ceil(count);
 }
 
 }  // namespace
@@ -85,17 +76,6 @@ XMLAttribute *XMLElement::findAttribute(const char *name) const
             return attribute;
     }
     return nullptr;
-}
-
-std::span<XMLAttribute> XMLElement::makeAttributes(std::size_t count)
-{
-    constexpr std::size_t mostAttributes = (std::size_t{1} << 28) - 1;
-    if (count > mostAttributes)
-        throw std::bad_alloc();
-    firstAttribute = static_cast<XMLAttribute *>(
-        Pool::allocateCurrent(attributeRoom(count) * sizeof(XMLAttribute)));
-    attributeCount = static_cast<std::uint32_t>(count) & mostAttributes;
-    return {firstAttribute, count};
 }
 
 void XMLElement::appendAttribute(const char *name, const char *value)

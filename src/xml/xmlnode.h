@@ -2,8 +2,10 @@
 
 #include "pool.h"
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <span>
 
 /// One node of a document. Its children are a singly linked chain in document order. Nodes live
@@ -97,7 +99,16 @@ public:
     void appendAttribute(const char *name, const char *value);
 
     /// Gives an element that has none \a count attributes. The caller sets what they are.
-    std::span<XMLAttribute> makeAttributes(std::size_t count);
+    std::span<XMLAttribute> makeAttributes(std::size_t count)
+    {
+        constexpr std::size_t mostAttributes = (std::size_t{1} << 28) - 1;
+        if (count > mostAttributes)
+            throw std::bad_alloc();
+        firstAttribute = static_cast<XMLAttribute *>(
+            Pool::allocateCurrent(attributeRoom(count) * sizeof(XMLAttribute)));
+        attributeCount = static_cast<std::uint32_t>(count) & mostAttributes;
+        return {firstAttribute, count};
+    }
 
     /// Whether no attribute value holds a '$', as far as that is known: the reader tells, and
     /// whatever could change an attribute makes it unknown.
@@ -106,6 +117,13 @@ public:
 
 private:
     XMLAttribute *findAttribute(const char *name) const;
+    /// Attributes for which there is memory where there are \a count of them: no more than those
+    /// few that most elements have, and so many that appending one by one costs no more than it
+    /// has to.
+    static std::size_t attributeRoom(std::size_t count)
+    {
+        return count <= 8 ? count : std::bit_ceil(count);
+    }
 
     const char *tag;
     XMLAttribute *firstAttribute = nullptr;

@@ -323,8 +323,11 @@ XMLElement *XMLReader::makeElement(const Span &name)
             element->setAttribute(attribute.name, attribute.value);
         return element;
     }
-    if (!attributes.empty())
-        std::ranges::copy(attributes, element->makeAttributes(attributes.size()).begin());
+    if (!attributes.empty()) {
+        XMLAttribute *to = element->makeAttributes(attributes.size()).data();
+        for (const XMLAttribute &attribute : attributes)
+            *to++ = attribute;
+    }
     if (!dollars.isBefore(position) && !ampersands.isBefore(position))
         element->setLiteral();
     return element;
