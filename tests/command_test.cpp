@@ -126,6 +126,9 @@ TEST(Command, ReadsAndWrites)
          "1\nX: <infile> <outfile> [macro1=value;macro2=value;..]\n"},
         {"$X in.xml out.xml v=1 new more; cat out.xml", small},
         {"cat in.xml | $X /dev/stdin out.xml v=1 && cat out.xml", small},
+        {"(printf '<a><b v=\"1'; head -c 200000 /dev/zero | tr '\\0' x; printf '&lt;$(v)\"/>'; "
+         "printf '<c v=\"$(v)\"/></a>') | $X /dev/stdin out.xml v=1; tail -c 32 out.xml",
+         "xxxxx&lt;1\"/>\n  <c v=\"1\"/>\n</a>\n"},
         {"(echo first; $X in.xml /dev/stdout; echo last) >o; cat o; $X in.xml /dev/stdout | cat",
          "first\n" + small + "last\n" + small},
         {"printf '\\n\\n<a></b>' >in.xml; $X in.xml out.xml 2>&1; echo $?; ls -A",

@@ -63,6 +63,11 @@ TEST_F(Tree, KeepsAttributesInOrder)
     EXPECT_TRUE(!a->attribute("x") && !a->attribute("n"));
     a->setAttribute("x", "3");
     EXPECT_EQ(treeText(a), "a[y=2 z=1 n x=3](b,c)");
+    for (const char *name : {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11", "12", "13",
+                             "14", "15", "16", "17", "18"})
+        b->setAttribute(name, nullptr);
+    b->removeAttribute("17");
+    EXPECT_EQ(treeText(b), "b[1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 18]");
 }
 
 TEST_F(Tree, CopiesEveryKindAndSharesStrings)
@@ -111,6 +116,21 @@ TEST_F(Tree, ExpandsAttributes)
     document.expandAttributes(b, macros);
     EXPECT_EQ(treeText(b), "b[v=12 s=$(unknown) w=?x e= p= n](#t,e)");
     EXPECT_EQ(b->attribute("s"), same);
+}
+
+TEST_F(Tree, ExpandsWhatIsSetAfterReading)
+{
+    std::string text = R"(<r><x n="1"/><y n="1"/><z n="1"/></r>)";
+    ASSERT_TRUE(document.parse(text.data()));
+    auto *x = static_cast<XMLElement *>(document.root->firstChild);
+    auto *y = static_cast<XMLElement *>(x->nextSibling);
+    auto *z = static_cast<XMLElement *>(y->nextSibling);
+    x->setAttribute("n", "$(m)");
+    y->setAttribute("o", "$(m)");
+    z->attributes()[0].value = "$(m)";
+    for (XMLElement *element : {x, y, z})
+        document.expandAttributes(element, {{u"m"_s, u"2"_s}});
+    EXPECT_EQ(treeText(document.root), "r(x[n=2],y[n=1 o=2],z[n=2])");
 }
 
 TEST(Document, LoadsAndSavesByName)

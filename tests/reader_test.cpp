@@ -42,7 +42,7 @@ TEST(Reader, ClosesByABeginningOfTheName)
     expectReadings({"<abc></a> => abc", "<abc></abc > => abc", "<abc></> => abc",
                     "<abc></abcd> => tagName mismatch at 0", "</x><a/></y> => a",
                     "<a>\n<b></a\n> => tagName mismatch at 2", R"(<a / b="1"><c/></a> => a(c))",
-                    "<a></a x><b/></a> => a(b)", "<a><b><c/></b> => null"});
+                    "<a></a x><b/></a> => a(b)", "<a><b><c/></b> => null", "<a></a => null"});
 }
 
 TEST(Reader, ReadsDeclarationAndDoctype)

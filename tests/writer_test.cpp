@@ -20,6 +20,9 @@ TEST(Writer, IndentsElementsAndDoesNotEndTheLineOfText)
     EXPECT_EQ(rewritten(text, 2), "<a>\n  <b x=\"1\">\n    <c/>\n  </b>\n  <d/>\n</a>\n");
     EXPECT_EQ(rewritten(text, 0), text);
     EXPECT_EQ(rewritten("<a><b/></a>", -1), "<a>\n<b/>\n</a>\n");
+    for (const int indent : {16, 17})
+        EXPECT_EQ(rewritten("<a><b/></a>", indent),
+                  "<a>\n" + std::string(static_cast<std::size_t>(indent), ' ') + "<b/>\n</a>\n");
     EXPECT_EQ(rewritten("<a><![CDATA[<&]]><b/><!--<&-->&lt;</a>", 1, true),
               "<a>\n  <![CDATA[<&]]>  <b/>\n  <!--<&--> &lt;</a>\n");
 }
