@@ -103,7 +103,10 @@ TEST(Walk, LeavesAttributesAloneWithoutExpansion)
                  "r[v=$(x:1)](a,b[v=$(n)])",
                  "<r><xmldef name='f'><a v='$(x)'/></xmldef><xmlput name='f' macros='x=1'/><xmlput "
                  "name='f' macros='x=1' expand_macros=''/><xmlput name='f' expand_macros=''/></r> "
-                 "=> r(a[v=$(x)],a[v=1],a[v=$(x)])"},
+                 "=> r(a[v=$(x)],a[v=1],a[v=$(x)])",
+                 "<r><define name='n' value='3'/><for index='i' start='1' end='2' incr='1' "
+                 "mul='$(n)' add='$(n)+1'><a v='$(i_ap)'/></for><for index='i' start='0' "
+                 "end='$(n)' incr='1'><b/></for></r> => r(a[v=7])"},
                 {}, false);
 }
 

@@ -95,10 +95,12 @@ public:
     }
     std::span<const XMLAttribute> attributes() const { return {firstAttribute, attributeCount}; }
 
-    /// Adds an attribute without looking whether the name is there already.
+    /// Adds an attribute without looking whether the name is there already. This and the next
+    /// throw std::bad_alloc where there is no memory, or for 2^28 attributes.
     void appendAttribute(const char *name, const char *value);
 
-    /// Gives an element that has none \a count attributes. The caller sets what they are.
+    /// Gives an element that has none \a count attributes, in the current pool. The caller sets
+    /// what they are.
     std::span<XMLAttribute> makeAttributes(std::size_t count)
     {
         constexpr std::size_t mostAttributes = (std::size_t{1} << 28) - 1;
