@@ -99,8 +99,8 @@ public:
     /// throw std::bad_alloc where there is no memory, or for 2^28 attributes.
     void appendAttribute(const char *name, const char *value);
 
-    /// Gives an element that has none \a count attributes, in the current pool. The caller sets
-    /// what they are.
+    /// Gives the element \a count attributes, in the current pool, instead of those that it has.
+    /// The caller sets what they are.
     std::span<XMLAttribute> makeAttributes(std::size_t count)
     {
         constexpr std::size_t mostAttributes = (std::size_t{1} << 28) - 1;

@@ -51,8 +51,8 @@ private:
 /// One read: a single pass over text with a NUL behind it, from its first byte to the NUL or to the
 /// first error, without looking back. The text lies in the document's pool, which must be the
 /// current one and takes the nodes, and the reader takes it over: the strings of the nodes are
-/// pieces of it, decoded where they are and ended with a NUL. What XML 1.0 has and this reader has not is passed over
-/// as character data; it never fails but for the two errors below.
+/// pieces of it, decoded where they are and ended with a NUL. What XML 1.0 has and this reader has
+/// not is passed over as character data; it never fails but for the two errors below.
 class XMLReader
 {
 public:

@@ -99,7 +99,8 @@ char *XMLWriter::appendNode(char *to, const XMLNode *node, long long depth)
 }
 
 /// Appends *text up to the first byte that is not \a wanted, which the NUL is not, and leaves
-/// *text there.
+/// *text there. The slack takes eight bytes, so the end of the buffer is looked for only once for
+/// as many.
 template <typename Wanted>
 inline char *XMLWriter::appendWhile(char *to, const char **text, Wanted wanted)
 {
@@ -107,7 +108,6 @@ inline char *XMLWriter::appendWhile(char *to, const char **text, Wanted wanted)
     for (;;) {
         if (to >= bufferEnd)
             to = flush(to);
-            // The slack takes as many, so the end of the buffer need not be looked for in between.
 #pragma GCC unroll 8
         for (int step = 0; step < 8; ++step) {
             if (!wanted(*from)) {
@@ -182,6 +182,7 @@ inline char *XMLWriter::appendIndentation(char *to, long long depth)
     if (to >= bufferEnd)
         to = flush(to);
     long long spaces = indent * depth;
+    // A copy of a fixed length costs less than one that is just as long as it has to be.
     constexpr std::string_view few = "                ";
     if (spaces >= 0 && spaces <= static_cast<long long>(few.size())) {
         append(to, few);
