@@ -117,13 +117,13 @@ TEST(Walk, StartsAnywhereInAChain)
                        R"-(<define name="y" value="$(x:0)"/><include filename="0"/></r>)-";
     ASSERT_TRUE(document.parse(text.data()));
     const CurrentPool current(&document);
-    document.macros.insert(u"x"_s, u"2"_s);
+    document.macros["x"] = "2";
     document.processConditionals(document.root->firstChild->nextSibling, u"/in"_s, document.macros,
                                  true);
     EXPECT_EQ(treeText(document.root) + document.errors,
               "r(define[name=x value=1],a,include[filename=0]) ! error \"couldn't read //0\" in "
               "include file //0 line:0");
-    EXPECT_EQ(document.macros.value(u"y"_s), u"2"_s);
+    EXPECT_EQ(document.macros["y"], "2");
     document.processConditionals(nullptr, QString(), document.macros, true);
 }
 

@@ -60,7 +60,7 @@ int run(int argc, char **argv)
                      programName);
         return EXIT_FAILURE;
     }
-    globalMacros.setSystemMacro(QStringLiteral("StudioDir"), installationDirectory());
+    globalMacros.setSystemMacro("StudioDir", installationDirectory().toLatin1().toStdString());
 
     // Never destroyed: the system takes the memory back at once, where the pool would first fill
     // all of it to show stale pointers.
@@ -72,7 +72,7 @@ int run(int argc, char **argv)
     }
     if (argc == 5)
         document.doctype = argv[4];
-    if (!document.save(QString::fromLatin1(argv[2]), 2)) {
+    if (!document.save(argv[2], 2)) {
         std::fprintf(stderr, "save error %s\n", document.errorMessage);
         return EXIT_FAILURE;
     }

@@ -1,67 +1,44 @@
 #include "datetime.h"
 
-#include <QDate>
-#include <QTime>
-
-using namespace Qt::StringLiterals;
+#include <algorithm>
+#include <ctime>
+#include <iterator>
 
 namespace
 {
 
-QString twoDigits(int number)
-{
-    return QString::number(number).rightJustified(2, u'0');
-}
-
-QString year()
-{
-    return QString::number(QDate::currentDate().year()).rightJustified(4, u'0');
-}
-
-QString date()
-{
-    static constexpr const char *months[] = {
-        "January", "February", "March",     "April",   "May",      "June",
-        "July",    "August",   "September", "October", "November", "December",
-    };
-    const QDate today = QDate::currentDate();
-    return QString::number(today.day()) + u' ' + QString::fromLatin1(months[today.month() - 1]) +
-           u' ' + year();
-}
-
-QString time()
-{
-    const QTime now = QTime::currentTime();
-    return twoDigits(now.hour()) + u':' + twoDigits(now.minute()) + u':' + twoDigits(now.second());
-}
-
-struct BuiltinMacro {
-    QLatin1StringView name;
-    QString (*value)();
+/// The names and what makes their values, as strftime() takes it.
+constexpr struct {
+    std::string_view name;
+    const char *format;
+} builtinMacros[] = {
+    {"Date", "%e %B %Y"}, {"DateYear", "%Y"}, {"DateMonth", "%m"},  {"DateDay", "%d"},
+    {"Time", "%H:%M:%S"}, {"TimeHour", "%H"}, {"TimeMinute", "%M"}, {"TimeSecond", "%S"},
 };
 
-constexpr BuiltinMacro builtinMacros[] = {
-    {"Date"_L1, date},
-    {"DateYear"_L1, year},
-    {"DateMonth"_L1, [] { return twoDigits(QDate::currentDate().month()); }},
-    {"DateDay"_L1, [] { return twoDigits(QDate::currentDate().day()); }},
-    {"Time"_L1, time},
-    {"TimeHour"_L1, [] { return twoDigits(QTime::currentTime().hour()); }},
-    {"TimeMinute"_L1, [] { return twoDigits(QTime::currentTime().minute()); }},
-    {"TimeSecond"_L1, [] { return twoDigits(QTime::currentTime().second()); }},
-};
+/// The local time. Asking what it is takes twenty times as long as asking which second it is, so
+/// it is asked once a second.
+const std::tm &localNow()
+{
+    static std::time_t brokenDown = -1;
+    static std::tm local;
+    const std::time_t now = std::time(nullptr);
+    if (now != brokenDown && localtime_r(&now, &local))
+        brokenDown = now;
+    return local;
+}
 
 }  // namespace
 
-bool builtinMacroValue(const QString &name, QString &value)
+bool builtinMacroValue(std::string_view name, std::string &value)
 {
-    if (!name.startsWith(u'D') && !name.startsWith(u'T'))
+    const auto *const macro = std::find_if(std::begin(builtinMacros), std::end(builtinMacros),
+                                           [&](const auto &row) { return row.name == name; });
+    if (macro == std::end(builtinMacros))
         return false;
-    for (const BuiltinMacro &macro : builtinMacros) {
-        if (name == macro.name) {
-            value = macro.value();
-            return true;
-        }
-    }
-    return false;
+    char text[64];
+    const std::size_t length = std::strftime(text, sizeof text, macro->format, &localNow());
+    const std::size_t padding = text[0] == ' ';  // of a day of one digit
+    value.assign(text + padding, length - padding);
+    return true;
 }

@@ -1,282 +1,252 @@
 #include "datetime.h"
-#include "latin1.h"
 #include "macrovalues.h"
 
 #include <algorithm>
+#include <cassert>
 #include <new>
-#include <type_traits>
 #include <vector>
 
 namespace
 {
 
-std::u16string_view toView(const QString &text)
+/// What the parts of an expansion cost, in picoseconds, as measured. Plain text is found and copied
+/// many characters at a time.
+namespace price
 {
-    return {reinterpret_cast<const char16_t *>(text.constData()),
-            static_cast<std::size_t>(text.size())};
-}
+constexpr std::uint64_t pass = 9000;
+constexpr std::uint64_t introducer = 6500;
+constexpr std::uint64_t reference = 22000;
+constexpr std::uint64_t dateOrTime = 25000;
+constexpr std::uint64_t unclosed = 3000;  ///< an introducer whose reference has no end
+constexpr std::uint64_t characterPassed = 8;
+constexpr std::uint64_t characterAppended = 18;
+constexpr std::uint64_t characterInReference = 700;
+constexpr std::uint64_t characterNoted = 1500;  ///< searched for what is never closed
+}  // namespace price
 
-/// What it costs to look a name up and to take its value.
-constexpr std::uint64_t stepsPerReference = 50;
-/// Plain text is found and copied many characters at a time.
-constexpr std::size_t charactersPerStep = 16;
-
-/// One expansion, in passes over text of \a Char: char for Latin-1, char16_t for UTF-16.
-template <typename Char>
+/// One expansion: passes over a text, each of which makes the text of the next.
+///
+/// A pass copies what is plain and replaces what are references, from left to right, and never
+/// looks at what it has put in. Whether there is another pass over all of it is what the last
+/// reference with an opinion says: one that holds the introducer asks for it, one with "::" asks
+/// that there be none. So "$(u:$(a))" takes two passes, of which the first leaves "$(a)", and
+/// text may need as many as it is nested deep, or ask for another one forever: the bounds end it.
+///
+/// An unterminated reference, "$(" without the parenthesis that balances it, loses its introducer,
+/// and the scan goes on behind that. But what it would have held, the whole rest of the text, has
+/// the same two opinions. If each of many such references searched the rest for its end, and for
+/// what it holds, a pass would take quadratic time. So the first one that is met looks through the
+/// rest once and notes which parentheses are never closed, and the places of the next introducer
+/// and of the next colon are remembered. A reference that does end is searched once: the scan goes
+/// on behind it. A pass is thus linear in its text and what it puts in.
 class Expansion
 {
 public:
-    using Text = std::basic_string<Char>;
-    using View = std::basic_string_view<Char>;
-
-    Expansion(MacroLookup *lookup, const MacroValues &values, Text *target)
+    Expansion(MacroLookup *lookup, const MacroValues &values, std::string *target)
         : macros(*lookup),
-          introducer(static_cast<Char>(values.macroIntroducer)),
+          introducer(values.macroIntroducer),
           limits(values.limits),
           result(*target)
     {
-        result.clear();
     }
 
-    /// Whether a value was met that Char is too narrow for. The expansion is none then.
-    bool isTooNarrow() const { return tooNarrow; }
-
-    /// Leaves the expansion of \a text in the target; true unless it is the null text.
-    bool run(View text)
+    /// Leaves the expansion of \a text in the target. Returns what it cost, in steps.
+    std::uint64_t run(std::string_view text)
     {
         longest = std::max(limits.length, text.size());
-        runPass(text);
-        if (!rescan || result == text)
-            return !isNull;
-        Text working;
+        std::string working;
         std::size_t rescanned = 0;
-        for (int passes = 1;
-             rescan && !tooNarrow && passes < limits.passes && rescanned < limits.rescanned;
-             ++passes) {
-            working.swap(result);
+        for (int passes = 1;; ++passes) {
             result.clear();
-            rescanned += working.size();
-            runPass(working);
-            if (result == working)
-                break;
+            runPass(text);
+            if (!rescan || result == text || passes >= limits.passes ||
+                rescanned >= limits.rescanned)
+                return cost / 1000;
+            working.swap(result);
+            text = working;
+            rescanned += text.size();
         }
-        return true;
     }
 
 private:
     /// Where in the text a reference is.
     struct Reference {
-        std::size_t start;               ///< behind the opening parenthesis
-        std::size_t end = View::npos;    ///< the closing one
-        std::size_t colon = View::npos;  ///< the first in it
-        bool isNested = false;           ///< the introducer is in it
+        std::size_t start;                           ///< behind the opening parenthesis
+        std::size_t end = std::string_view::npos;    ///< the closing one
+        std::size_t colon = std::string_view::npos;  ///< the first in it
+        bool isNested = false;                       ///< the introducer is in it
     };
 
-    void runPass(View text);
-    std::size_t skipUnclosed(View text, std::size_t start);
-    bool findEnd(View text, Reference *reference);
-    void noteUnclosed(View text, std::size_t from);
-    void substitute(View text, const Reference &reference);
-    void append(View piece);
-    bool lookUp(View name, View *value);
+    void runPass(std::string_view text);
+    std::size_t passReference(std::string_view text, std::size_t start);
+    bool findEnd(std::string_view text, Reference *reference);
+    void noteUnclosed(std::string_view text, std::size_t from);
+    void heedUnclosed(std::string_view text, std::size_t start);
+    void substitute(std::string_view text, const Reference &reference);
+    void lookUp(std::string_view name, std::string_view *value);
+    void append(std::string_view piece);
 
     MacroLookup &macros;
-    const Char introducer;
+    const char introducer;
     const MacroValues::Limits &limits;
-    Text &result;
+    std::string &result;
     std::size_t longest = 0;
-    bool isNull = true;
+    std::uint64_t cost = 0;  ///< in picoseconds
     bool rescan = false;
-    bool tooNarrow = false;
-    QString builtinValue;
-    QByteArray narrowBuiltinValue;
+    std::string builtinValue;
 
-    /// Per character of the pass's text, whether it is an opening parenthesis that nothing
-    /// closes. Made when the first unterminated reference is met, so that no later one needs a
-    /// search to the end of the text of its own.
+    /// Of the pass's text, once an unterminated reference was met: per character whether it is an
+    /// opening parenthesis that nothing closes, and the places that were found last.
     std::vector<bool> unclosed;
     std::size_t nextIntroducer = 0;
     std::size_t nextColon = 0;
 };
 
-template <typename Char>
-void Expansion<Char>::runPass(View text)
+void Expansion::runPass(std::string_view text)
 {
     rescan = false;
     unclosed.clear();
-    macros.work += text.size() / charactersPerStep;
+    cost += price::pass + price::characterPassed * text.size();
     std::size_t position = 0;
-    while (position < text.size() && !tooNarrow) {
+    while (position < text.size()) {
         const std::size_t found = text.find(introducer, position);
         append(text.substr(position, found - position));
-        if (found == View::npos)
+        if (found == std::string_view::npos)
             return;
-        macros.work += stepsPerReference;
-        const std::size_t start = found + 2;
-        if (found + 1 == text.size() || text[found + 1] != Char('(')) {
+        cost += price::introducer;
+        position = found + 1;
+        if (position < text.size() && text[position] == '(')
+            position = passReference(text, position + 1);
+        else
             append(text.substr(found, 1));
-            position = found + 1;
-            continue;
-        }
-        Reference reference{start};
-        if (!findEnd(text, &reference)) {
-            position = skipUnclosed(text, start);
-            continue;
-        }
-        substitute(text, reference);
-        position = reference.end + 1;
     }
+}
+
+/// Replaces the reference whose parenthesis is before \a start. Returns where the scan goes on.
+std::size_t Expansion::passReference(std::string_view text, std::size_t start)
+{
+    Reference reference{start};
+    if (findEnd(text, &reference)) {
+        substitute(text, reference);
+        return reference.end + 1;
+    }
+    heedUnclosed(text, start);
+    return start - 1;
 }
 
 /// Finds the parenthesis that balances the one before the reference's start, and what is between
 /// them.
-template <typename Char>
-bool Expansion<Char>::findEnd(View text, Reference *reference)
+bool Expansion::findEnd(std::string_view text, Reference *reference)
 {
     const std::size_t start = reference->start;
     if (!unclosed.empty() && unclosed[start - 1])
         return false;
     std::size_t depth = 1;
     for (std::size_t i = start; i < text.size(); ++i) {
-        const Char c = text[i];
-        if (c == Char(')') && --depth == 0) {
+        const char c = text[i];
+        if (c == ')' && --depth == 0) {
             reference->end = i;
-            macros.work += 2 * (i - start);
+            cost += price::characterInReference * (i - start);
             return true;
         }
-        depth += c == Char('(');
-        if (c == Char(':') && reference->colon == View::npos)
+        depth += c == '(';
+        if (c == ':' && reference->colon == std::string_view::npos)
             reference->colon = i;
         reference->isNested = reference->isNested || c == introducer;
     }
     noteUnclosed(text, start - 1);
-    macros.work += 2 * text.size();
     return false;
 }
 
-template <typename Char>
-void Expansion<Char>::noteUnclosed(View text, std::size_t from)
+void Expansion::noteUnclosed(std::string_view text, std::size_t from)
 {
+    assert(unclosed.empty());
     unclosed.assign(text.size(), false);
     nextIntroducer = from;
     nextColon = from;
     std::size_t closing = 0;
     for (std::size_t i = text.size(); i-- > from;) {
-        if (text[i] == Char(')'))
+        if (text[i] == ')')
             ++closing;
-        else if (text[i] == Char('(') && closing > 0)
+        else if (text[i] == '(' && closing > 0)
             --closing;
-        else if (text[i] == Char('('))
+        else if (text[i] == '(')
             unclosed[i] = true;
     }
+    cost += price::characterNoted * (text.size() - from);
 }
 
-/// An unterminated reference loses its introducer and nothing else, but what stands behind it
-/// has its say about a further pass. Returns where the scan goes on: at the parenthesis.
-template <typename Char>
-std::size_t Expansion<Char>::skipUnclosed(View text, std::size_t start)
+/// Lets the rest of the text from \a start on have its opinion about another pass.
+void Expansion::heedUnclosed(std::string_view text, std::size_t start)
 {
-    const auto advance = [&](std::size_t *next, Char wanted) {
-        if (*next < start)
-            *next = std::min(text.find(wanted, start), text.size());
-        return *next < text.size();
+    cost += price::unclosed;
+    const auto isAhead = [&](std::size_t *place, char wanted) {
+        if (*place < start)
+            *place = std::min(text.find(wanted, start), text.size());
+        return *place < text.size();
     };
-    if (advance(&nextIntroducer, introducer))
+    if (isAhead(&nextIntroducer, introducer))
         rescan = true;
-    if (advance(&nextColon, Char(':')) && nextColon + 1 < text.size() &&
-        text[nextColon + 1] == Char(':'))
+    if (isAhead(&nextColon, ':') && text.substr(nextColon).starts_with("::"))
         rescan = false;
-    return start - 1;
 }
 
 /// Appends what \a reference stands for.
-template <typename Char>
-void Expansion<Char>::substitute(View text, const Reference &reference)
+void Expansion::substitute(std::string_view text, const Reference &reference)
 {
     const auto [start, end, colon, isNested] = reference;
     rescan = rescan || isNested;
-    View name = text.substr(start, end - start);
-    View fallback = text.substr(start - 2, end + 3 - start);
-    if (colon != View::npos) {
+    std::string_view name = text.substr(start, end - start);
+    std::string_view value = text.substr(start - 2, end + 3 - start);
+    if (colon != std::string_view::npos) {
         name = text.substr(start, colon - start);
-        fallback = text.substr(colon + 1, end - colon - 1);
-        if (!fallback.empty() && fallback.front() == Char(':')) {
-            fallback.remove_prefix(1);
+        value = text.substr(colon + 1, end - colon - 1);
+        if (value.starts_with(':')) {
+            value.remove_prefix(1);
             rescan = false;
         }
     }
-    View value;
-    const bool isFound = lookUp(name, &value);
-    isNull = isNull && isFound && !value.data();
-    append(isFound ? value : fallback);
+    lookUp(name, &value);
+    append(value);
 }
 
-/// A null text gives a view of nothing at all.
-template <typename Char>
-bool Expansion<Char>::lookUp(View name, View *value)
+/// Leaves *value as it is when there is no macro of that name.
+void Expansion::lookUp(std::string_view name, std::string_view *value)
 {
-    if constexpr (std::is_same_v<Char, char>) {
-        const Lookup found = macros.findLatin1(name, value);
-        tooNarrow = tooNarrow || found == Lookup::NotLatin1;
-        if (found != Lookup::Found)
-            return false;
-        const bool canBeBuiltin = name.starts_with('D') || name.starts_with('T');
-        if (canBeBuiltin && builtinMacroValue(fromLatin1(name), builtinValue)) {
-            narrowBuiltinValue = builtinValue.toLatin1();
-            *value = {narrowBuiltinValue.constData(),
-                      static_cast<std::size_t>(narrowBuiltinValue.size())};
-        }
-    } else {
-        const auto key = QString::fromRawData(reinterpret_cast<const QChar *>(name.data()),
-                                              static_cast<qsizetype>(name.size()));
-        const QString *found = macros.find(key);
-        if (!found)
-            return false;
-        if (builtinMacroValue(key, builtinValue))
-            found = &builtinValue;
-        *value = found->isNull() ? View() : toView(*found);
-    }
-    return true;
-}
-
-template <typename Char>
-void Expansion<Char>::append(View piece)
-{
-    if (piece.empty())
+    cost += price::reference;
+    std::string_view found;
+    if (!macros.find(name, &found))
         return;
-    isNull = false;
+    *value = found;
+    const bool canBeBuiltin = name.starts_with('D') || name.starts_with('T');
+    if (canBeBuiltin && builtinMacroValue(name, builtinValue)) {
+        *value = builtinValue;
+        cost += price::dateOrTime;
+    }
+}
+
+void Expansion::append(std::string_view piece)
+{
     result.append(piece);
+    cost += price::characterAppended * piece.size();
     if (result.size() > longest)
         throw std::bad_alloc();
 }
 
 }  // namespace
 
-QString MacroValues::expandMacros(const MacroMap &macros, const QString &text,
-                                  bool useSystemMacros) const
+std::string MacroValues::expandMacros(const MacroMap &macros, std::string_view text,
+                                      bool useSystemMacros) const
 {
     MapLookup lookup(&macros, useSystemMacros ? &systemMacros : nullptr);
-    return expand(lookup, text);
+    std::string result;
+    expand(lookup, text, &result);
+    return result;
 }
 
-QString MacroValues::expand(MacroLookup &macros, const QString &text) const
+std::uint64_t MacroValues::expand(MacroLookup &macros, std::string_view text,
+                                  std::string *result) const
 {
-    std::u16string result;
-    Expansion<char16_t> expansion(&macros, *this, &result);
-    if (!expansion.run(toView(text)))
-        return {};
-    return QString(reinterpret_cast<const QChar *>(result.data()),
-                   static_cast<qsizetype>(result.size()));
-}
-
-bool MacroValues::expandLatin1(MacroLookup &macros, std::string_view text,
-                               std::string *result) const
-{
-    Expansion<char> expansion(&macros, *this, result);
-    const bool hasText = expansion.run(text);
-    if (!expansion.isTooNarrow())
-        return hasText;
-    const QString wide = expand(macros, fromLatin1(text));
-    *result = wide.toLatin1().toStdString();
-    return !wide.isNull();
+    assert(text.data() < result->data() || text.data() > result->data() + result->size());
+    return Expansion(&macros, *this, result).run(text);
 }

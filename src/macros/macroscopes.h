@@ -3,6 +3,7 @@
 #include "macromap.h"
 #include "namehash.h"
 
+#include <cassert>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -10,13 +11,21 @@
 #include <vector>
 
 /// The macros of levels that lie in each other: what a level defines is seen on the levels in it
-/// and gone when it is left. There is one table for all of them, and a log of what to put back, so
-/// a level costs what it defines and nothing else. Nothing here fails; memory that cannot be had
-/// throws std::bad_alloc.
+/// and gone when it is left. Nothing here fails; memory that cannot be had throws std::bad_alloc.
+///
+/// There is one table for all levels, which holds for each name what the innermost level that
+/// knows it says. Beside it stands a log of what to put back: the first time that a level changes
+/// a macro, what the level around it had made of it moves into the log, and on leaving the level
+/// the log is gone through from its newest entry down to where the level began. So a look-up is
+/// one look-up however deep the levels are, a level costs what it defines and nothing else, and
+/// redefining a macro on its own level overwrites a value that nobody can ask for again. A name
+/// that is undone to "not defined" keeps its place in the table, so that the log can point into
+/// it, and since bodies that define it tend to come again.
 class MacroScopes : public MacroLookup
 {
 public:
-    /// The outermost level is \a outermostLevel, which must outlive this object.
+    /// The outermost level is \a outermostLevel, which must outlive this object and receives what
+    /// is defined there.
     explicit MacroScopes(MacroMap *outermostLevel);
     MacroScopes(const MacroScopes &) = delete;
     MacroScopes &operator=(const MacroScopes &) = delete;
@@ -25,16 +34,23 @@ public:
     class Scope
     {
     public:
-        explicit Scope(MacroScopes *target) : scopes(*target), changesBefore(scopes.changes.size())
+        explicit Scope(MacroScopes *target)
+            : scopes(*target),
+              depth(++scopes.depth),
+              changesBefore(scopes.changes.size())
         {
-            ++scopes.depth;
         }
-        ~Scope() { scopes.leave(changesBefore); }
+        ~Scope()
+        {
+            assert(scopes.depth == depth);
+            scopes.leave(changesBefore);
+        }
         Scope(const Scope &) = delete;
         Scope &operator=(const Scope &) = delete;
 
     private:
         MacroScopes &scopes;
+        int depth;
         std::size_t changesBefore;
     };
 
@@ -44,22 +60,21 @@ public:
         return found != macros.end() && found->second.isDefined;
     }
 
-    Lookup findLatin1(std::string_view name, std::string_view *value) override;
-    const QString *find(const QString &name) override;
+    bool find(std::string_view name, std::string_view *value) override;
 
-    /// Defines a macro on the innermost level, whether there was one of that name or not.
+    /// Defines a macro on the innermost level, whether there was one of that name or not. Neither
+    /// text may be a value that find() gave.
     void set(std::string_view name, std::string_view value);
 
-    /// Defines the items of \a list (Latin-1, see MacroValues::splitMacroList() and
-    /// parseMacroList()) on the innermost level. Newlines in it do not count.
+    /// Defines the items of \a list (see MacroValues::splitMacroList() and parseMacroList()) on the
+    /// innermost level. Newlines in it do not count.
     void setList(std::string_view list);
 
 private:
     struct Macro {
         std::string value;
         bool isDefined = false;
-        bool isWide = false;  ///< the value is not in Latin-1, and only in the outermost map
-        int depth = 0;        ///< of the level that defined it
+        int depth = 0;  ///< of the level that defined it
     };
     struct Change {
         Macro *macro;
@@ -69,8 +84,7 @@ private:
     void leave(std::size_t changesBefore);
 
     MacroMap &outermost;
-    /// By Latin-1 name. What is no longer defined keeps its entry, for the next time.
     std::unordered_map<std::string, Macro, NameHash, std::equal_to<>> macros;
-    std::vector<Change> changes;  ///< those that have to be undone, the newest last
+    std::vector<Change> changes;
     int depth = 0;
 };

@@ -5,59 +5,46 @@
 MacroValues globalMacros;
 
 MacroValues::MacroValues()
+    : systemMacros{
+          {"Date", ""},        {"DateYear", ""},
+          {"DateMonth", ""},   {"DateDay", ""},
+          {"Time", ""},        {"TimeHour", ""},
+          {"TimeMinute", ""},  {"TimeSecond", ""},
+          {"HostArch", "x86"}, {"HostOS", "macos"},
+          {"Micro", "ARM"},    {"TargetID", "8"},
+          {"HostEXE", ""},     {"HostDLL", ".so_macos_x86"},
+      }
 {
-    static constexpr struct {
-        const char *name;
-        const char *value;
-    } facts[] = {
-        {"Date", ""},        {"DateYear", ""},
-        {"DateMonth", ""},   {"DateDay", ""},
-        {"Time", ""},        {"TimeHour", ""},
-        {"TimeMinute", ""},  {"TimeSecond", ""},
-        {"HostArch", "x86"}, {"HostOS", "macos"},
-        {"Micro", "ARM"},    {"TargetID", "8"},
-        {"HostEXE", ""},     {"HostDLL", ".so_macos_x86"},
-    };
-    for (const auto &fact : facts)
-        setSystemMacro(QString::fromLatin1(fact.name), QString::fromLatin1(fact.value));
 }
 
-void MacroValues::setSystemMacro(const QString &name, const QString &value)
+void MacroValues::setSystemMacro(std::string_view name, std::string_view value)
 {
-    systemMacros.insert(name, value);
+    systemMacros.insert_or_assign(std::string(name), value);
 }
 
-QStringList MacroValues::splitMacroList(const QString &text, bool keepEmpty)
+std::vector<std::string> MacroValues::splitMacroList(std::string_view text, bool keepEmpty)
 {
-    QStringList items;
-    const std::u16string_view view(reinterpret_cast<const char16_t *>(text.constData()),
-                                   static_cast<std::size_t>(text.size()));
-    forEachListItem(view, [&](std::u16string_view item) {
+    std::vector<std::string> items;
+    forEachListItem(text, [&](std::string_view item) {
         if (keepEmpty || !item.empty())
-            items.append(QStringView(item).toString());
+            items.emplace_back(item);
     });
     return items;
 }
 
-MacroMap MacroValues::parseMacroList(const QStringList &items)
+MacroMap MacroValues::parseMacroList(const std::vector<std::string> &items)
 {
     MacroMap macros;
-    for (const QString &item : items) {
-        const qsizetype equals = item.indexOf(u'=');
-        if (equals < 0)
-            macros.insert(item, QStringLiteral(""));
-        else
-            macros.insert(item.first(equals), item.sliced(equals + 1));
+    for (const std::string &item : items) {
+        const auto [name, value] = nameAndValue(item);
+        macros.insert_or_assign(std::string(name), value);
     }
     return macros;
 }
 
 MacroMap MacroValues::mergeMacros(const MacroMap &base, const MacroMap &overrides)
 {
-    if (base.isEmpty())
-        return overrides;
-    MacroMap merged = base;
-    for (auto entry = overrides.cbegin(); entry != overrides.cend(); ++entry)
-        merged.insert(entry.key(), entry.value());
+    MacroMap merged = overrides;
+    merged.insert(base.begin(), base.end());  // what is there already stays
     return merged;
 }

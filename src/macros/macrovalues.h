@@ -2,10 +2,11 @@
 
 #include "macromap.h"
 
-#include <QStringList>
-
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// The macros of the process and what is done with macros in general: reading lists of them and
 /// replacing references to them. Nothing here fails, every text is a valid list and has an
@@ -18,16 +19,16 @@ public:
     MacroValues();
 
     /// Defines a system macro, replacing any earlier value.
-    void setSystemMacro(const QString &name, const QString &value);
+    void setSystemMacro(std::string_view name, std::string_view value);
 
     /// Cuts the form of the list that documents use at every ';'. A backslash takes the
     /// character after it literally, whatever it is; the last character of the text stands for
     /// itself. Nothing is trimmed. Empty items are dropped unless \a keepEmpty.
-    static QStringList splitMacroList(const QString &text, bool keepEmpty);
+    static std::vector<std::string> splitMacroList(std::string_view text, bool keepEmpty);
 
     /// Defines each item's text before the first '=' as its text after it, later items winning.
     /// An item without '=' is all name and has the empty value.
-    static MacroMap parseMacroList(const QStringList &items);
+    static MacroMap parseMacroList(const std::vector<std::string> &items);
 
     /// \a base with every entry of \a overrides set on it.
     static MacroMap mergeMacros(const MacroMap &base, const MacroMap &overrides);
@@ -43,15 +44,15 @@ public:
     /// a date or time name that is found gives the current date or time instead of its value.
     /// A pass that met the introducer inside a reference is followed by another one over its
     /// whole result. That ends when a pass reproduces its input, after 1,000 passes, or once
-    /// 64 Mi characters were scanned again. The result is null when nothing was appended to it.
+    /// 64 Mi characters were scanned again.
     ///
-    /// A result that grows past 64 Mi characters throws std::bad_alloc.
-    QString expandMacros(const MacroMap &macros, const QString &text, bool useSystemMacros) const;
+    /// A result that grows past 64 Mi characters, and past the text, throws std::bad_alloc.
+    std::string expandMacros(const MacroMap &macros, std::string_view text,
+                             bool useSystemMacros) const;
 
-    /// The same for Latin-1 text, without the way through UTF-16. \a result receives the
-    /// expansion, '?' standing for what Latin-1 lacks; it must not hold \a text itself. Returns
-    /// false, with an empty \a result, where expandMacros() gives a null text.
-    bool expandLatin1(MacroLookup &macros, std::string_view text, std::string *result) const;
+    /// *result receives the expansion; returns what it cost, in steps of about a nanosecond.
+    /// \a text must not lie in *result.
+    std::uint64_t expand(MacroLookup &macros, std::string_view text, std::string *result) const;
 
     /// What bounds an expansion.
     struct Limits {
@@ -63,9 +64,6 @@ public:
     MacroMap systemMacros;       ///< changed by setSystemMacro() only
     char macroIntroducer = '$';  ///< never changed
     Limits limits;
-
-private:
-    QString expand(MacroLookup &macros, const QString &text) const;
 };
 
 /// The one MacroValues of the process: there before main() is entered, changed only by main().

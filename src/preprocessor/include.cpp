@@ -46,7 +46,8 @@ Outcome Walk::handleInclude(XMLElement &element, const Level &level)
     }
     const QString written = QString::fromLatin1(element.attribute("filename"));
     const QString path =
-        resolveFileName(globalMacros.expandMacros({}, written, true), level.fileName);
+        resolveFileName(QString::fromLatin1(
+ globalMacros.expandMacros({}, written.toLatin1().toStdString(), true)), level.fileName);
     if (level.includes >= limits.nestedIncludes) {
         reportAndStop(
             QStringLiteral("more than %1 nested includes at ").arg(limits.nestedIncludes) + path);
@@ -59,7 +60,7 @@ Outcome Walk::handleInclude(XMLElement &element, const Level &level)
     auto scope = contentScope(element, level, path);
     ++scope->includes;
     if (scope->expand)
-        document.expandAttributes(included, macros);
+        work += document.expandAttributes(included, macros);
     if (const char *inherited = element.attribute("inherit_attributes"))
         inheritAttributes(element, inherited, included);
 
@@ -81,7 +82,7 @@ XMLElement *Walk::loadInclude(const QString &path)
     work += stepsPerInclude;
     XMLNode *const root = document.root;
     const std::size_t bytesBefore = document.bytesUsed();
-    const bool ok = document.load(path);
+    const bool ok = document.load(path.toLatin1().toStdString());
     if (filesRead.insert(path).second)
         workAtMost += stepsPerByteRead * (document.bytesUsed() - bytesBefore);
     XMLNode *const included = document.root;

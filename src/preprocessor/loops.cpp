@@ -1,5 +1,4 @@
 #include "hexadecimal.h"
-#include "latin1.h"
 #include "walk.h"
 
 #include <algorithm>
@@ -50,8 +49,7 @@ public:
     }
 
     /// Makes only the macro that is asked for: few bodies use all of them.
-    Lookup findLatin1(std::string_view name, std::string_view *found) override;
-    const QString *find(const QString &name) override;
+    bool find(std::string_view name, std::string_view *found) override;
 
     bool advance() override
     {
@@ -88,35 +86,27 @@ const CountedRounds::Derived CountedRounds::derivedMacros[] = {
     {"", [](std::uint32_t i, std::uint32_t) { return std::to_string(i); }},
     {"_alpha",
      [](std::uint32_t i, std::uint32_t) {
-         return letter(i) > 0xFF ? std::string() : std::string(1, static_cast<char>(letter(i)));
+         return letter(i) > 0xFF ? std::string("?") : std::string(1, static_cast<char>(letter(i)));
      }},
     {"_hex", [](std::uint32_t i, std::uint32_t) { return toHexadecimal(i); }},
     {"_ap", [](std::uint32_t, std::uint32_t ap) { return std::to_string(ap); }},
     {"_ap_hex", [](std::uint32_t, std::uint32_t ap) { return toHexadecimal(ap); }},
 };
 
-Lookup CountedRounds::findLatin1(std::string_view name, std::string_view *found)
+bool CountedRounds::find(std::string_view name, std::string_view *found)
 {
     if (!name.starts_with(counterName))
-        return Lookup::Missing;
+        return false;
     const std::string_view suffix = name.substr(counterName.size());
     const auto *derived = std::find_if(std::begin(derivedMacros), std::end(derivedMacros),
                                        [&](const Derived &row) { return row.suffix == suffix; });
     if (derived == std::end(derivedMacros))
-        return Lookup::Missing;
+        return false;
     value = derived->value(current, current * factor + offset);
     *found = value;
-    return value.empty() ? Lookup::NotLatin1 : Lookup::Found;
+    return true;
 }
 
-const QString *CountedRounds::find(const QString &name)
-{
-    std::string_view found;
-    if (!isLatin1(name) || findLatin1(name.toLatin1().toStdString(), &found) != Lookup::NotLatin1)
-        return LoopRounds::find(name);
-    wideValue = QChar(letter(current));
-    return &wideValue;
-}
 
 namespace
 {
@@ -154,14 +144,14 @@ public:
         return isEmpty ? 0 : static_cast<unsigned>(product);
     }
 
-    Lookup findLatin1(std::string_view name, std::string_view *found) override
+    bool find(std::string_view name, std::string_view *found) override
     {
         const auto position = positions.find(name);
         if (position == positions.end())
-            return Lookup::Missing;
+            return false;
         const List &list = lists[position->second];
         *found = list.values[list.current];
-        return Lookup::Found;
+        return true;
     }
 
     bool advance() override
@@ -255,8 +245,7 @@ Chain Walk::copyRounds(const XMLElement &loop, unsigned count, LoopRounds *round
     do {
         for (const XMLNode *child = loop.firstChild; isElement(child); child = child->nextSibling) {
             copies.append(
-                document.copyElementExpanded(static_cast<const XMLElement *>(child), *rounds));
-            work += std::exchange(rounds->work, 0);
+                document.copyElementExpanded(static_cast<const XMLElement *>(child), *rounds, &work));
             if (stopPastBounds())
                 return copies;
         }

@@ -89,7 +89,7 @@ XMLNode **Walk::walkChain(XMLNode **link, Level &level)
         }
         auto &element = static_cast<XMLElement &>(*node);
         if (level.expand)
-            document.expandAttributes(&element, macros);
+            work += document.expandAttributes(&element, macros);
         if (const Handler handler = findHandler(element.name())) {
             const Outcome outcome = (this->*handler)(element, level);
             if (!stopPastBounds())
@@ -183,7 +183,7 @@ std::string_view Walk::lookUpOrDefine(std::string_view name)
 {
     std::string_view value;
     // Nothing in a document equals a value that is not in Latin-1, as nothing equals an empty one.
-    if (macros.findLatin1(name, &value) == Lookup::Missing)
+    if (!macros.find(name, &value))
         macros.set(name, "");
     return value;
 }
@@ -192,7 +192,7 @@ std::string_view Walk::lookUpOrDefine(std::string_view name)
 std::string Walk::expanded(std::string_view text)
 {
     std::string result;
-    globalMacros.expandLatin1(macros, text, &result);
+    work += globalMacros.expand(macros, text, &result);
     return result;
 }
 

@@ -5,6 +5,7 @@
 #include "xmlpp2.h"
 
 #include <cstdint>
+#include <QString>
 #include <memory>
 #include <set>
 #include <string>
@@ -165,7 +166,7 @@ private:
         const std::size_t growth = document.bytesUsed() - bytesAtStart;
         if (growth > limits.growth)
             reportGrowth();
-        else if (work + macros.work > workAtMost + stepsPerByteMade * growth)
+        else if (work > workAtMost + stepsPerByteMade * growth)
             reportWork();
         return stopped;
     }

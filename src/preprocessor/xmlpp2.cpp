@@ -5,10 +5,13 @@
 
 bool XMLPP2::preprocessFile(const QString &fileName, const QString &macroList, bool expand)
 {
-    if (!load(fileName))
+    if (!load(fileName.toLatin1().toStdString()))
         return false;
     const CurrentPool current(this);
-    MacroMap macros = MacroValues::parseMacroList(macroList.split(u';', Qt::SkipEmptyParts));
+    std::vector<std::string> items;
+    for (const QString &item : macroList.split(u';', Qt::SkipEmptyParts))
+        items.push_back(item.toLatin1().toStdString());
+    MacroMap macros = MacroValues::parseMacroList(items);
     processConditionals(root, fileName, macros, expand);
     return true;
 }

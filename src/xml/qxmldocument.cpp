@@ -4,35 +4,27 @@
 #include "xmlcopy.h"
 
 #include <cstring>
-#include <string>
-
-bool QXMLDocument::load(const QString &fileName)
-{
-    return XMLDocument::load(fileName.toLatin1().constData());
-}
-
-bool QXMLDocument::save(const QString &fileName, int spacesPerLevel)
-{
-    return XMLDocument::save(fileName.toLatin1().constData(), spacesPerLevel);
-}
 
 XMLElement *QXMLDocument::copyElementExpanded(const XMLElement *source, const MacroMap &macros)
 {
     MapLookup lookup(&macros);
-    return copyElementExpanded(source, lookup);
+    std::uint64_t steps = 0;
+    return copyElementExpanded(source, lookup, &steps);
 }
 
-XMLElement *QXMLDocument::copyElementExpanded(const XMLElement *source, MacroLookup &macros)
+XMLElement *QXMLDocument::copyElementExpanded(const XMLElement *source, MacroLookup &macros,
+                                              std::uint64_t *steps)
 {
     const auto copyOne = [&](const XMLNode *node) -> XMLNode * {
         if (node->kind() != XMLNode::Kind::Element)
             return nullptr;
-        return copyOneExpanded(static_cast<const XMLElement *>(node), macros);
+        return copyOneExpanded(static_cast<const XMLElement *>(node), macros, steps);
     };
     return static_cast<XMLElement *>(copySubtree(source, copyOne));
 }
 
-XMLElement *QXMLDocument::copyOneExpanded(const XMLElement *source, MacroLookup &macros)
+XMLElement *QXMLDocument::copyOneExpanded(const XMLElement *source, MacroLookup &macros,
+                                          std::uint64_t *steps)
 {
     XMLElement *copy = createElement(source->name());
     const bool isBare = copy->attributes().empty();
@@ -43,13 +35,12 @@ XMLElement *QXMLDocument::copyOneExpanded(const XMLElement *source, MacroLookup 
     for (const XMLAttribute &attribute : source->attributes()) {
         std::string_view text = attribute.value ? attribute.value : "";
         const bool hasReferences = !source->isLiteral() && text.find('$') != std::string_view::npos;
-        bool isNull = text.empty();
         if (hasReferences) {
-            isNull = !globalMacros.expandLatin1(macros, text, &expansion);
+            *steps += globalMacros.expand(macros, text, &expansion);
             text = expansion;
             isLiteral = isLiteral && text.find('$') == std::string_view::npos;
         }
-        const char *value = isNull ? nullptr : copyString(text.data(), text.size());
+        const char *value = text.empty() ? nullptr : copyString(text.data(), text.size());
         const char *name = copyString(attribute.name, std::strlen(attribute.name));
         if (isBare) {
             copied.front() = {name, value};
@@ -69,15 +60,17 @@ void QXMLDocument::expandAttributes(XMLElement *element, const MacroMap &macros)
     expandAttributes(element, lookup);
 }
 
-void QXMLDocument::expandAttributes(XMLElement *element, MacroLookup &macros)
+std::uint64_t QXMLDocument::expandAttributes(XMLElement *element, MacroLookup &macros)
 {
     if (element->isLiteral())
-        return;
+        return 0;
+    std::uint64_t steps = 0;
     for (XMLAttribute &attribute : element->attributes()) {
         if (!attribute.value || !std::strchr(attribute.value, '$'))
             continue;
-        globalMacros.expandLatin1(macros, attribute.value, &expansion);
+        steps += globalMacros.expand(macros, attribute.value, &expansion);
         if (expansion != attribute.value)
             attribute.value = copyString(expansion.data(), expansion.size());
     }
+    return steps;
 }

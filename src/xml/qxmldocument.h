@@ -3,11 +3,12 @@
 #include "macromap.h"
 #include "xmldocument.h"
 
+#include <cstdint>
 #include <string>
 
-/// A document whose files are named by QString and whose attribute values can hold macro
-/// references. Text crosses as Latin-1, in both directions; a character above 0xFF becomes '?'.
-/// Only the map that is passed counts, never the system macros.
+/// A document whose attribute values can hold macro references. Only the macros that are passed
+/// count, never the system macros. Where an operation has a form for a MacroLookup, that form also
+/// tells what it cost, in steps of about a nanosecond.
 class QXMLDocument : public XMLDocument
 {
 public:
@@ -15,22 +16,29 @@ public:
     using XMLDocument::save;
     using XMLDocument::XMLDocument;
 
-    bool load(const QString &fileName);
-    bool save(const QString &fileName, int spacesPerLevel);
+    bool load(const std::string &fileName) { return load(fileName.c_str()); }
+    bool save(const std::string &fileName, int spacesPerLevel)
+    {
+        return save(fileName.c_str(), spacesPerLevel);
+    }
 
     /// Copies \a source and the elements below it, but nothing else that is there, with every
-    /// attribute value expanded; a null expansion gives an attribute without a value. The copy
+    /// attribute value expanded; an empty expansion gives an attribute without a value. The copy
     /// lies in the current pool, strings included, and is linked to nothing.
     XMLElement *copyElementExpanded(const XMLElement *source, const MacroMap &macros);
-    XMLElement *copyElementExpanded(const XMLElement *source, MacroLookup &macros);
+    /// The same; adds to *steps.
+    XMLElement *copyElementExpanded(const XMLElement *source, MacroLookup &macros,
+                                    std::uint64_t *steps);
 
     /// Expands in place each attribute value of \a element that holds a '$'. A value that its
     /// expansion equals keeps its pointer; a new one lies in the current pool.
     void expandAttributes(XMLElement *element, const MacroMap &macros);
-    void expandAttributes(XMLElement *element, MacroLookup &macros);
+    /// The same; returns what it cost.
+    std::uint64_t expandAttributes(XMLElement *element, MacroLookup &macros);
 
 private:
-    XMLElement *copyOneExpanded(const XMLElement *source, MacroLookup &macros);
+    XMLElement *copyOneExpanded(const XMLElement *source, MacroLookup &macros,
+                                std::uint64_t *steps);
 
     std::string expansion;  ///< of one value; a member so that its memory is used again
 };
