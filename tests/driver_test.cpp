@@ -1,5 +1,5 @@
 #include "command.h"
-#include "installationdirectory.h"
+#include "installation.h"
 
 #include <gtest/gtest.h>
 
@@ -22,13 +22,15 @@ TEST(InstallationDirectory, IsTheCanonicalParentOfTheDirectory)
                                           {"../kit/bin/tool", kit},
                                           {top + "/link/bin/tool", kit},
                                           {top + "/tools/tool", top},
+                                          {kit + "/bin/", kit},
+                                          {"", top},
                                           {"/tool", "/"},
                                           {kit + "/none/below/tool", ""}}) {
         initInstallationDirectory(tool.c_str(), 1);
-        EXPECT_EQ(installationDirectory().toStdString(), directory) << tool;
+        EXPECT_EQ(installationDirectory(), directory) << tool;
     }
     initInstallationDirectory("/bin/tool", 9);
-    EXPECT_EQ(installationDirectory().toStdString(), "/");
+    EXPECT_EQ(installationDirectory(), "/");
     fs::current_path("/");
 }
 

@@ -1,5 +1,4 @@
-#include "executablepath.h"
-#include "installationdirectory.h"
+#include "installation.h"
 #include "macrovalues.h"
 #include "myxmlpp2.h"
 
@@ -54,25 +53,24 @@ void prepareProcess()
 int run(int argc, char **argv)
 {
     const char *programName = argc > 0 ? argv[0] : "xmlpp";
-    initInstallationDirectory(executablePath().toLatin1().constData(), 1);
+    initInstallationDirectory(executablePath().c_str(), 1);
     if (argc < 3) {
         std::fprintf(stderr, "%s: <infile> <outfile> [macro1=value;macro2=value;..]\n",
                      programName);
         return EXIT_FAILURE;
     }
-    globalMacros.setSystemMacro("StudioDir", installationDirectory().toLatin1().toStdString());
+    globalMacros.setSystemMacro("StudioDir", installationDirectory());
 
     // Never destroyed: the system takes the memory back at once, where the pool would first fill
     // all of it to show stale pointers.
     static MyXMLPP2 &document = *new MyXMLPP2(false);
-    if (!document.preprocessFile(QString::fromLatin1(argv[1]), QString::fromLatin1(argv[3]),
-                                 true)) {
+    if (!document.preprocessFile(argv[1], argc > 3 ? argv[3] : "", true)) {
         std::fprintf(stderr, "load error %s at %d\n", document.errorMessage, document.errorLine);
         return EXIT_FAILURE;
     }
     if (argc == 5)
         document.doctype = argv[4];
-    if (!document.save(argv[2], 2)) {
+    if (!document.QXMLDocument::save(argv[2], 2)) {
         std::fprintf(stderr, "save error %s\n", document.errorMessage);
         return EXIT_FAILURE;
     }

@@ -1,73 +1,113 @@
-#include "alternatives.h"
-#include "walk.h"
+#include "pieces.h"
+#include "run.h"
 
 #include <cstring>
+#include <string_view>
+#include <utility>
 
-Outcome Walk::handleIf(XMLElement &element, const Level &)
+namespace directive
 {
-    return unwrapByAttribute(element, true);
+
+namespace
+{
+
+/// Whether one of the alternatives in \a list, separated by ',', is \a value to the letter.
+bool hasAlternative(Run &run, std::string_view list, std::string_view value)
+{
+    bool found = false;
+    std::size_t alternatives = 0;
+    forEachPiece(list, ',', [&](std::string_view alternative) {
+        found = found || alternative == value;
+        ++alternatives;
+    });
+    run.budget.spend(Price::Character, list.size());
+    run.budget.spend(Price::Alternative, alternatives);
+    return found;
 }
 
-Outcome Walk::handleIfnot(XMLElement &element, const Level &)
+/// The value of a macro, which becomes defined as empty when it is not defined yet.
+std::string_view lookUpOrDefine(Run &run, std::string_view name)
 {
-    return unwrapByAttribute(element, false);
+    run.budget.spend(Price::Character, name.size());
+    std::string_view value;
+    if (!run.macros.find(name, &value))
+        run.macros.set(name, "");
+    return value;
 }
 
 /// The one attribute names a macro and lists alternatives; \a wanted tells whether one of them
 /// must be the macro's value.
-Outcome Walk::unwrapByAttribute(XMLElement &element, bool wanted)
+Outcome unwrapByAttribute(Run &run, XMLElement &element, bool wanted)
 {
     const std::span<const XMLAttribute> attributes = std::as_const(element).attributes();
     if (attributes.size() != 1) {
-        report(QStringLiteral("one condition required for <if[not]>"));
-        return Outcome::ordinary();
+        run.report("one condition required for <if[not]>");
+        return Outcome::keep();
     }
-    const bool matches = hasAlternative(attributes[0].value, lookUpOrDefine(attributes[0].name));
+    const std::string_view value = lookUpOrDefine(run, attributes[0].name);
+    const bool matches = hasAlternative(run, textOf(attributes[0]), value);
     return Outcome::unwrapIf(matches == wanted, element);
 }
 
-Outcome Walk::handleIfex(XMLElement &element, const Level &)
+bool isDefined(Run &run, const XMLElement &element)
 {
-    const char *expression = attributeText(element, "expression");
-    if (*expression == '\0')
-        return Outcome::ordinary();
+    const std::string_view name = attributeText(element, "name");
+    run.budget.spend(Price::Character, name.size());
+    return run.macros.contains(name);
+}
+
+}  // namespace
+
+Outcome handleIf(Run &run, XMLElement &element, const Level &)
+{
+    return unwrapByAttribute(run, element, true);
+}
+
+Outcome handleIfnot(Run &run, XMLElement &element, const Level &)
+{
+    return unwrapByAttribute(run, element, false);
+}
+
+Outcome handleIfex(Run &run, XMLElement &element, const Level &)
+{
+    const std::string_view expression = attributeText(element, "expression");
+    if (expression.empty())
+        return Outcome::keep();
     bool ok = false;
-    const bool value = evaluated(&SimpleExpressionParser::evaluateBool, expanded(expression), &ok);
+    const bool value =
+        run.evaluated(&SimpleExpressionParser::evaluateBool, run.expanded(expression), &ok);
     return Outcome::unwrapIf(ok && value, element);
 }
 
-bool Walk::isDefined(const XMLElement &element) const
+Outcome handleIfdef(Run &run, XMLElement &element, const Level &)
 {
-    return macros.contains(attributeText(element, "name"));
+    return Outcome::unwrapIf(isDefined(run, element), element);
 }
 
-Outcome Walk::handleIfdef(XMLElement &element, const Level &)
+Outcome handleIfndef(Run &run, XMLElement &element, const Level &)
 {
-    return Outcome::unwrapIf(isDefined(element), element);
-}
-
-Outcome Walk::handleIfndef(XMLElement &element, const Level &)
-{
-    return Outcome::unwrapIf(!isDefined(element), element);
+    return Outcome::unwrapIf(!isDefined(run, element), element);
 }
 
 /// The first <case> with a matching alternative is selected, else the last <default>. That is
 /// settled before the children are walked, so alternatives count as they are written.
-Outcome Walk::handleSwitch(XMLElement &element, const Level &)
+Outcome handleSwitch(Run &run, XMLElement &element, const Level &)
 {
-    const std::string_view value = lookUpOrDefine(attributeText(element, "name"));
-    XMLNode *selected = nullptr;
+    const std::string_view value = lookUpOrDefine(run, attributeText(element, "name"));
+    XMLElement *selected = nullptr;
     for (XMLNode *child = element.firstChild; child; child = child->nextSibling) {
         if (child->kind() != XMLNode::Kind::Element)
             continue;
-        const auto &branch = static_cast<const XMLElement &>(*child);
+        auto &branch = static_cast<XMLElement &>(*child);
         if (std::strcmp(branch.name(), "default") == 0) {
-            selected = child;
+            selected = &branch;
         } else if (std::strcmp(branch.name(), "case") == 0 &&
-                   hasAlternative(branch.attribute("value"), value)) {
-            selected = child;
+                   hasAlternative(run, attributeText(branch, "value"), value)) {
+            selected = &branch;
             break;
         }
     }
-    return selected ? Outcome{.replacement = selected} : Outcome::remove();
+    return selected ? Outcome{Outcome::Action::Branch, selected} : Outcome::remove();
 }
+
+}  // namespace directive

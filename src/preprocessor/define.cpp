@@ -1,26 +1,47 @@
 #include "hexadecimal.h"
-#include "walk.h"
+#include "run.h"
 
-Outcome Walk::handleDefine(XMLElement &element, const Level &)
+#include <cstdint>
+#include <string>
+
+namespace directive
 {
-    if (!element.hasAttribute("name")) {
-        report(QStringLiteral("missing name in <define>"));
-        return Outcome::remove();
-    }
-    const char *name = attributeText(element, "name");
-    const bool isHex = !element.hasAttribute("expression");
-    if (element.hasAttribute("value")) {
-        macros.set(name, attributeText(element, "value"));
-    } else if (!isHex || element.hasAttribute("hex_expression")) {
-        const char *text = attributeText(element, isHex ? "hex_expression" : "expression");
-        bool ok = false;
-        const quint64 value =
-            evaluated(&SimpleExpressionParser::evaluateUnsigned, expanded(text), &ok);
-        const auto number = static_cast<std::uint32_t>(value);
-        if (ok)
-            macros.set(name, isHex ? toHexadecimal(number) : std::to_string(number));
-    } else {
-        report(QStringLiteral("missing value or expression in <define>"));
-    }
+
+namespace
+{
+
+void set(Run &run, std::string_view name, std::string_view value)
+{
+    run.budget.spend(Price::Character, name.size() + value.size());
+    run.macros.set(name, value);
+}
+
+/// The low 32 bits of the value of the expression, if it has one.
+void setNumber(Run &run, std::string_view name, std::string_view expression, bool isHexadecimal)
+{
+    bool ok = false;
+    const auto number = static_cast<std::uint32_t>(
+        run.evaluated(&SimpleExpressionParser::evaluateUnsigned, run.expanded(expression), &ok));
+    if (ok)
+        set(run, name, isHexadecimal ? toHexadecimal(number) : std::to_string(number));
+}
+
+}  // namespace
+
+Outcome handleDefine(Run &run, XMLElement &element, const Level &)
+{
+    const std::string_view name = attributeText(element, "name");
+    if (!element.hasAttribute("name"))
+        run.report("missing name in <define>");
+    else if (element.hasAttribute("value"))
+        set(run, name, attributeText(element, "value"));
+    else if (element.hasAttribute("expression"))
+        setNumber(run, name, attributeText(element, "expression"), false);
+    else if (element.hasAttribute("hex_expression"))
+        setNumber(run, name, attributeText(element, "hex_expression"), true);
+    else
+        run.report("missing value or expression in <define>");
     return Outcome::remove();
 }
+
+}  // namespace directive

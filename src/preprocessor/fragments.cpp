@@ -1,64 +1,34 @@
-#include "walk.h"
+#include "run.h"
 
-#include <cstring>
-#include <vector>
+#include <string>
 
-namespace
+namespace directive
 {
 
-std::size_t lengthOf(const char *text)
-{
-    return text ? std::strlen(text) : 0;
-}
-
-/// The bytes of all names, values and texts of the element and what is below it.
-std::size_t textOf(const XMLNode *fragment)
-{
-    std::size_t bytes = 0;
-    std::vector<const XMLNode *> chains{fragment};
-    while (!chains.empty()) {
-        const XMLNode *node = chains.back();
-        chains.pop_back();
-        if (node != fragment && node->nextSibling)
-            chains.push_back(node->nextSibling);
-        if (node->firstChild)
-            chains.push_back(node->firstChild);
-        if (node->kind() == XMLNode::Kind::Element) {
-            const auto &element = static_cast<const XMLElement &>(*node);
-            bytes += lengthOf(element.name());
-            for (const XMLAttribute &attribute : element.attributes())
-                bytes += lengthOf(attribute.name) + lengthOf(attribute.value);
-        } else if (node->kind() != XMLNode::Kind::Other) {
-            bytes += lengthOf(static_cast<const XMLText *>(node)->data());
-        }
-    }
-    return bytes;
-}
-
-}  // namespace
-
-Outcome Walk::handleXmldef(XMLElement &element, const Level &)
+Outcome handleXmldef(Run &run, XMLElement &element, const Level &)
 {
     if (!element.hasAttribute("name"))
-        return Outcome::ordinary();
-    document.xmldefs.insert(QString::fromLatin1(element.attribute("name")), &element);
+        return Outcome::keep();
+    const std::string_view name = attributeText(element, "name");
+    run.budget.spend(Price::Character, name.size());
+    run.document.xmldefs.insert_or_assign(std::string(name), &element);
     return Outcome::remove();
 }
 
-Outcome Walk::handleXmlput(XMLElement &element, const Level &level)
+Outcome handleXmlput(Run &run, XMLElement &element, const Level &level)
 {
     if (!element.hasAttribute("name"))
-        return Outcome::ordinary();
-    const QString name = QString::fromLatin1(element.attribute("name"));
-    const XMLNode *stored = document.xmldefs.value(name);
-    if (!stored) {
-        report(QStringLiteral("xmlput cannot fine xmldef named ") + name);
-        return Outcome::ordinary();
+        return Outcome::keep();
+    const std::string_view name = attributeText(element, "name");
+    run.budget.spend(Price::Character, name.size());
+    const auto stored = run.document.xmldefs.find(name);
+    if (stored == run.document.xmldefs.end()) {
+        run.report(std::string("xmlput cannot fine xmldef named ").append(name));
+        return Outcome::keep();
     }
-    const auto [text, isNew] = textOfFragments.try_emplace(stored);
-    if (isNew)
-        text->second = textOf(stored);
-    work += stepsPerByteShared * text->second;
-    return {.replacement = document.copyNode(stored, nullptr),
-            .scope = contentScope(element, level, level.fileName)};
+    run.sharedText.noteCopy(stored->second);
+    auto *const copy = static_cast<XMLElement *>(run.document.copyNode(stored->second, nullptr));
+    return {Outcome::Action::Unwrap, copy, run.contentFor(element, level)};
 }
+
+}  // namespace directive

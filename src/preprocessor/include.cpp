@@ -1,100 +1,138 @@
-#include "filename.h"
 #include "macrovalues.h"
-#include "walk.h"
+#include "namehash.h"
+#include "pieces.h"
+#include "run.h"
 
 #include <cstring>
+#include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
+
+namespace directive
+{
 
 namespace
 {
 
-/// Sets on \a target the attributes of \a source that \a list names, separated by ';', in that
-/// order. One that the source does not have is set without a value. Names are looked up through
-/// indexes, however many there are.
-void inheritAttributes(const XMLElement &source, const char *list, XMLElement *target)
+/// Where the file that \a fileName names in the file \a includingFile is. A name that is empty or
+/// does not begin with '/' is relative to the directory of the including file: what stands
+/// before the last '/' of its name, "." where there is none, "/" for a file in the root.
+std::string resolveFileName(const std::string &fileName, std::string_view includingFile)
+{
+    if (fileName.starts_with('/'))
+        return fileName;
+    const std::size_t slash = includingFile.rfind('/');
+    const std::string_view directory = slash == std::string_view::npos ? "."
+                                       : slash == 0                    ? "/"
+                                                    : includingFile.substr(0, slash);
+    return std::string(directory).append("/").append(fileName);
+}
+
+/// Sets on \a target the attributes of \a source that \a list names, separated by ';', in that order. One that the
+/// source does not have is set without a value. Names are looked up through indexes, however many
+/// there are.
+void inheritAttributes(Run &run, const XMLElement &source, std::string_view list,
+                       XMLElement *target)
 {
     std::unordered_map<std::string_view, const char *, NameHash> values;
     for (const XMLAttribute &attribute : source.attributes())
         values.emplace(attribute.name, attribute.value);
     std::unordered_map<std::string_view, std::size_t, NameHash> present;
-    for (std::size_t index = 0; index < target->attributes().size(); ++index)
-        present.emplace(target->attributes()[index].name, index);
-    for (;;) {
-        const std::size_t length = std::strcspn(list, ";");
-        const auto value = values.find({list, length});
+    for (const XMLAttribute &attribute : std::as_const(*target).attributes())
+        present.emplace(attribute.name, present.size());
+    run.budget.spend(Price::Character, list.size());
+    forEachPiece(list, ';', [&](std::string_view name) {
+        run.budget.spend(Price::InheritedName, 1);
+        const auto value = values.find(name);
         const char *inherited = value == values.end() ? nullptr : value->second;
-        const std::size_t count = target->attributes().size();
-        const auto [entry, isNew] = present.try_emplace({list, length}, count);
-        if (length > 0 && isNew)
-            target->appendAttribute(XMLDocument::copyString(list, length), inherited);
-        else if (length > 0)
+        const auto [entry, isNew] = present.try_emplace(name, present.size());
+        if (isNew)
+            target->appendAttribute(XMLDocument::copyString(name.data(), name.size()), inherited);
+        else
             target->attributes()[entry->second].value = inherited;
-        if (list[length] == '\0')
-            return;
-        list += length + 1;
-    }
+    });
+}
+
+void reportFailedLoad(Run &run, const std::string &path, bool hasRoot)
+{
+    const XMLPP2 &document = run.document;
+    std::string message;
+    if (hasRoot)
+        message.append("error \"")
+            .append(document.errorMessage)
+            .append("\" in include file ")
+            .append(path)
+            .append(" line:")
+            .append(std::to_string(document.errorLine));
+    else
+        message.append("error: include file '").append(path).append("' is empty");
+    run.report(message);
+}
+
+/// The root element of the file, which belongs to the document but is not linked to it. Null
+/// after an error was reported.
+XMLElement *loadInclude(Run &run, const std::string &path)
+{
+    XMLPP2 &document = run.document;
+    XMLNode *const root = document.root;
+    const std::size_t bytesBefore = document.bytesUsed();
+    const bool ok = document.load(path);
+    run.budget.spend(Price::Include, 1);
+    run.budget.spend(Price::IncludedByte, document.bytesUsed() - bytesBefore);
+    auto *const included = static_cast<XMLElement *>(document.root);
+    document.root = root;
+    if (ok && included)
+        return included;
+    reportFailedLoad(run, path, included);
+    return nullptr;
+}
+
+/// The file that \a element names. Only system macros are looked up in its name.
+std::string includedPath(Run &run, const XMLElement &element, const Level &level)
+{
+    MapLookup systemMacros(&globalMacros.systemMacros);
+    std::string fileName;
+    run.budget.spend(
+        Price::Nanosecond,
+        globalMacros.expand(systemMacros, attributeText(element, "filename"), &fileName));
+    return resolveFileName(fileName, level.fileName);
 }
 
 }  // namespace
 
-Outcome Walk::handleInclude(XMLElement &element, const Level &level)
+Outcome handleInclude(Run &run, XMLElement &element, const Level &level)
 {
     if (!element.hasAttribute("filename")) {
-        report(QStringLiteral("missing filename in <include>"));
-        return Outcome::ordinary();
+        run.report("missing filename in <include>");
+        return Outcome::keep();
     }
-    const QString written = QString::fromLatin1(element.attribute("filename"));
-    const QString path =
-        resolveFileName(QString::fromLatin1(
- globalMacros.expandMacros({}, written.toLatin1().toStdString(), true)), level.fileName);
-    if (level.includes >= limits.nestedIncludes) {
-        reportAndStop(
-            QStringLiteral("more than %1 nested includes at ").arg(limits.nestedIncludes) + path);
-        return Outcome::ordinary();
+    const std::string path = includedPath(run, element, level);
+    if (level.includes >= run.limits.nestedIncludes) {
+        run.stop(std::string("more than ")
+                     .append(std::to_string(run.limits.nestedIncludes))
+                     .append(" nested includes at ")
+                     .append(path));
+        return Outcome::keep();
     }
-    XMLElement *included = loadInclude(path);
+    XMLElement *const included = loadInclude(run, path);
     if (!included)
-        return Outcome::ordinary();
+        return Outcome::keep();
 
-    auto scope = contentScope(element, level, path);
-    ++scope->includes;
-    if (scope->expand)
-        work += document.expandAttributes(included, macros);
+    const char *const fileName = XMLDocument::copyString(path.data(), path.size());
+    auto content =
+        run.contentFor(element, {{fileName, path.size()}, level.expand, level.includes + 1});
+    if (content->level.expand)
+        run.expandAttributes(*included);
     if (const char *inherited = element.attribute("inherit_attributes"))
-        inheritAttributes(element, inherited, included);
+        inheritAttributes(run, element, inherited, included);
 
     const bool isWrapper =
         element.hasAttribute("no_root") || std::strcmp(included->name(), "envelope") == 0;
     // In the document's own root's place there is room for one element only.
-    Outcome outcome{.scope = std::move(scope)};
-    if (isWrapper && &element != firstRoot)
-        outcome.replacement = included;
-    else
-        outcome.standIn = included;
-    return outcome;
+    const auto action =
+        isWrapper && &element != run.firstRoot ? Outcome::Action::Unwrap : Outcome::Action::Replace;
+    return {action, included, std::move(content)};
 }
 
-/// The root element of the file, which belongs to this document but is not linked to it. Null
-/// after an error was reported.
-XMLElement *Walk::loadInclude(const QString &path)
-{
-    work += stepsPerInclude;
-    XMLNode *const root = document.root;
-    const std::size_t bytesBefore = document.bytesUsed();
-    const bool ok = document.load(path.toLatin1().toStdString());
-    if (filesRead.insert(path).second)
-        workAtMost += stepsPerByteRead * (document.bytesUsed() - bytesBefore);
-    XMLNode *const included = document.root;
-    document.root = root;
-    if (ok && included)
-        return static_cast<XMLElement *>(included);
-    if (included) {
-        const QString message = QString::fromLatin1(document.errorMessage);
-        report(QStringLiteral("error \"") + message + QStringLiteral("\" in include file ") + path +
-               QStringLiteral(" line:") + QString::number(document.errorLine));
-    } else {
-        report(QStringLiteral("error: include file '") + path + QStringLiteral("' is empty"));
-    }
-    return nullptr;
-}
+}  // namespace directive

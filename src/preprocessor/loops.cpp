@@ -1,5 +1,7 @@
 #include "hexadecimal.h"
-#include "walk.h"
+#include "namehash.h"
+#include "pieces.h"
+#include "run.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -8,6 +10,12 @@
 #include <unordered_map>
 #include <utility>
 #include <vector>
+
+namespace directive
+{
+
+namespace
+{
 
 /// The rounds of a loop, and the macros that the copies of its body are expanded with in each.
 class LoopRounds : public MacroLookup
@@ -27,19 +35,20 @@ public:
     std::uint32_t factor = 1;
     std::uint32_t offset = 0;
 
-    /// The number of rounds, \a most + 1 if there are more than \a most. The step is not 0.
-    unsigned count(unsigned most) const
+    /// The number of rounds, \a most + 1 if there are more than \a most. The step is not 0. A
+    /// counter that gets past 2^32 begins again somewhere below its end, so that only counting
+    /// tells; *counted receives how many rounds had to be counted.
+    unsigned count(unsigned most, unsigned *counted) const
     {
+        *counted = 0;
         if (start >= end)
             return 0;
         const std::uint64_t rounds = (std::uint64_t{end} - start + step - 1) / step;
         if (start + rounds * step <= UINT32_MAX)
             return static_cast<unsigned>(std::min<std::uint64_t>(rounds, std::uint64_t{most} + 1));
-        // A step that wraps begins again somewhere below the end, so only counting tells.
-        unsigned counted = 0;
-        for (std::uint32_t i = start; i < end && counted <= most; i += step)
-            ++counted;
-        return counted;
+        for (std::uint32_t i = start; i < end && *counted <= most; i += step)
+            ++*counted;
+        return *counted;
     }
 
     void begin(std::string_view index)
@@ -58,36 +67,28 @@ public:
     }
 
 private:
-    /// A macro of the round by what follows the counter's name in its own; its value is made of
-    /// the counter and of what factor and offset make of that. Empty: it is not in Latin-1.
-    struct Derived {
-        std::string_view suffix;
-        std::string (*value)(std::uint32_t counter, std::uint32_t derived);
-    };
-    static const Derived derivedMacros[];
-
     std::uint32_t current = 0;
     std::string_view counterName;
     std::string value;
 };
 
-namespace
+/// 0 gives A. Past Z the codes go on, and begin again at 2^16; one that no byte holds gives '?'.
+char letter(std::uint32_t counter)
 {
-
-/// 0 gives A. Past Z the codes go on, and begin again at 2^16.
-char16_t letter(std::uint32_t counter)
-{
-    return static_cast<char16_t>(counter + 'A');
+    const auto code = static_cast<std::uint16_t>(counter + 'A');
+    return code > 0xFF ? '?' : static_cast<char>(code);
 }
 
-}  // namespace
+/// A macro of the round by what follows the counter's name in its own; its value is made of the
+/// counter and of what factor and offset make of that.
+struct DerivedMacro {
+    std::string_view suffix;
+    std::string (*value)(std::uint32_t counter, std::uint32_t derived);
+};
 
-const CountedRounds::Derived CountedRounds::derivedMacros[] = {
+constexpr DerivedMacro derivedMacros[] = {
     {"", [](std::uint32_t i, std::uint32_t) { return std::to_string(i); }},
-    {"_alpha",
-     [](std::uint32_t i, std::uint32_t) {
-         return letter(i) > 0xFF ? std::string("?") : std::string(1, static_cast<char>(letter(i)));
-     }},
+    {"_alpha", [](std::uint32_t i, std::uint32_t) { return std::string(1, letter(i)); }},
     {"_hex", [](std::uint32_t i, std::uint32_t) { return toHexadecimal(i); }},
     {"_ap", [](std::uint32_t, std::uint32_t ap) { return std::to_string(ap); }},
     {"_ap_hex", [](std::uint32_t, std::uint32_t ap) { return toHexadecimal(ap); }},
@@ -98,8 +99,7 @@ bool CountedRounds::find(std::string_view name, std::string_view *found)
     if (!name.starts_with(counterName))
         return false;
     const std::string_view suffix = name.substr(counterName.size());
-    const auto *derived = std::find_if(std::begin(derivedMacros), std::end(derivedMacros),
-                                       [&](const Derived &row) { return row.suffix == suffix; });
+    const auto *const derived = std::ranges::find(derivedMacros, suffix, &DerivedMacro::suffix);
     if (derived == std::end(derivedMacros))
         return false;
     value = derived->value(current, current * factor + offset);
@@ -107,41 +107,32 @@ bool CountedRounds::find(std::string_view name, std::string_view *found)
     return true;
 }
 
-
-namespace
-{
-
 /// <foreach>: all combinations of one value from each list, the last list varying fastest.
 class CombinedRounds : public LoopRounds
 {
 public:
-    /// \a values are separated by commas; empty ones do not count.
-    void addList(std::string_view name, std::string_view values)
+    /// \a text holds values, separated by commas; empty ones do not count. Returns how many there
+    /// are.
+    std::size_t addList(std::string_view name, std::string_view text)
     {
         List list;
-        while (!values.empty()) {
-            const std::size_t length = std::min(values.find(','), values.size());
-            if (length > 0)
-                list.values.push_back(values.substr(0, length));
-            values.remove_prefix(std::min(length + 1, values.size()));
-        }
+        forEachPiece(text, ',', [&](std::string_view value) { list.values.push_back(value); });
+        const std::size_t count = list.values.size();
         positions.insert_or_assign(name, lists.size());
-        if (list.values.size() != 1)
+        if (count != 1)
             varying.push_back(lists.size());
         lists.push_back(std::move(list));
+        return count;
     }
 
     /// The number of combinations, \a most + 1 if there are more than \a most.
     unsigned count(unsigned most) const
     {
         std::uint64_t product = 1;
-        bool isEmpty = false;
-        for (const List &list : lists) {
-            isEmpty = isEmpty || list.values.empty();
+        for (const List &list : lists)
             product =
                 std::min<std::uint64_t>(product * list.values.size(), std::uint64_t{most} + 1);
-        }
-        return isEmpty ? 0 : static_cast<unsigned>(product);
+        return static_cast<unsigned>(product);
     }
 
     bool find(std::string_view name, std::string_view *found) override
@@ -176,79 +167,105 @@ private:
     std::unordered_map<std::string_view, std::size_t, NameHash> positions;
 };
 
+bool isElement(const XMLNode *node)
+{
+    return node && node->kind() == XMLNode::Kind::Element;
+}
+
+/// Copies of the loop's children, up to the first that is no element, for each of \a count
+/// rounds; fewer where the budget is spent before. None, after an error was reported, when those
+/// are too many.
+Outcome copyRounds(Run &run, const XMLElement &loop, unsigned count, LoopRounds *rounds)
+{
+    Outcome outcome{.action = Outcome::Action::Copies, .copies = {loop.parent}};
+    if (count > run.limits.loopRounds) {
+        run.report(std::string("more than ")
+                       .append(std::to_string(run.limits.loopRounds))
+                       .append(" rounds in <")
+                       .append(loop.name())
+                       .append(">"));
+        return outcome;
+    }
+    if (count == 0 || !isElement(loop.firstChild))
+        return outcome;
+    do {
+        for (const XMLNode *child = loop.firstChild; isElement(child); child = child->nextSibling) {
+            outcome.copies.append(
+                run.copyExpanded(static_cast<const XMLElement &>(*child), *rounds));
+            if (run.stopPastBounds())
+                return outcome;
+        }
+    } while (rounds->advance());
+    return outcome;
+}
+
+/// The low 32 bits of what the expression \a text gives, as \a evaluate reads it; 0 if it has no
+/// value.
+template <typename Value>
+std::uint32_t numberOf(Run &run, Value (SimpleExpressionParser::*evaluate)(const char *, bool *),
+                       const std::string &text)
+{
+    bool ok = false;
+    return static_cast<std::uint32_t>(run.evaluated(evaluate, text, &ok));
+}
+
+CountedRounds readRounds(Run &run, const XMLElement &element)
+{
+    const auto derived = [&](const char *name) {
+        return numberOf(run, &SimpleExpressionParser::evaluateSigned,
+                        run.expanded(attributeText(element, name)));
+    };
+    const auto bound = [&](const char *name) {
+        return numberOf(run, &SimpleExpressionParser::evaluateUnsigned,
+                        std::string(attributeText(element, name)));
+    };
+    CountedRounds rounds;
+    if (element.hasAttribute("add"))
+        rounds.offset = derived("add");
+    else if (element.hasAttribute("sub"))
+        rounds.offset = 0 - derived("sub");
+    if (element.hasAttribute("mul"))
+        rounds.factor = derived("mul");
+    rounds.start = bound("start");
+    rounds.end = bound("end");
+    rounds.step = bound("incr");
+    return rounds;
+}
+
 }  // namespace
 
-Outcome Walk::handleFor(XMLElement &element, const Level &)
+Outcome handleFor(Run &run, XMLElement &element, const Level &)
 {
     const bool isComplete = element.hasAttribute("index") && element.hasAttribute("start") &&
                             element.hasAttribute("end") && element.hasAttribute("incr") &&
                             element.firstChild;
     CountedRounds rounds;
     if (isComplete)
-        readRounds(element, &rounds);
+        rounds = readRounds(run, element);
     if (!isComplete || (rounds.step == 0 && rounds.start < rounds.end)) {
-        report(QStringLiteral("<for index=\"i\" start=\"0\" end=\"32\" incr=\"1\">"));
+        run.report("<for index=\"i\" start=\"0\" end=\"32\" incr=\"1\">");
         return Outcome::remove();
     }
+    unsigned counted = 0;
+    const unsigned count = rounds.count(run.limits.loopRounds, &counted);
+    run.budget.spend(Price::CountedRound, counted);
     rounds.begin(attributeText(element, "index"));
-    return {.keep = false,
-            .following = copyRounds(element, rounds.count(limits.loopRounds), &rounds)};
+    return copyRounds(run, element, count, &rounds);
 }
 
-void Walk::readRounds(const XMLElement &element, CountedRounds *rounds)
-{
-    bool ok = false;
-    const auto bound = [&](const char *name) {
-        return static_cast<std::uint32_t>(evaluated(&SimpleExpressionParser::evaluateUnsigned,
-                                                    attributeText(element, name), &ok));
-    };
-    const auto derived = [&](const char *name) {
-        return static_cast<std::uint32_t>(evaluated(&SimpleExpressionParser::evaluateSigned,
-                                                    expanded(attributeText(element, name)), &ok));
-    };
-    if (element.hasAttribute("add"))
-        rounds->offset = derived("add");
-    else if (element.hasAttribute("sub"))
-        rounds->offset = 0 - derived("sub");
-    if (element.hasAttribute("mul"))
-        rounds->factor = derived("mul");
-    rounds->start = bound("start");
-    rounds->end = bound("end");
-    rounds->step = bound("incr");
-}
-
-Outcome Walk::handleForeach(XMLElement &element, const Level &)
+Outcome handleForeach(Run &run, XMLElement &element, const Level &)
 {
     CombinedRounds rounds;
-    for (const XMLAttribute &attribute : element.attributes())
-        rounds.addList(attribute.name, attribute.value ? attribute.value : "");
-    return {.keep = false,
-            .following = copyRounds(element, rounds.count(limits.loopRounds), &rounds)};
+    for (const XMLAttribute &attribute : std::as_const(element).attributes()) {
+        const std::string_view text = textOf(attribute);
+        const std::size_t values = rounds.addList(attribute.name, text);
+        run.budget.spend(Price::Character, text.size());
+        run.budget.spend(Price::ListItem, values);
+        // There is no combination then, however long the other lists are.
+        if (values == 0)
+            return Outcome::remove();
+    }
+    return copyRounds(run, element, rounds.count(run.limits.loopRounds), &rounds);
 }
 
-/// Copies of the loop's children, up to the first that is no element, for each of \a count
-/// rounds. None, after an error was reported, when those are too many.
-Chain Walk::copyRounds(const XMLElement &loop, unsigned count, LoopRounds *rounds)
-{
-    Chain copies;
-    if (count > limits.loopRounds) {
-        report(QStringLiteral("more than %1 rounds in <").arg(limits.loopRounds) +
-               QString::fromLatin1(loop.name()) + u'>');
-        return copies;
-    }
-    const auto isElement = [](const XMLNode *node) {
-        return node && node->kind() == XMLNode::Kind::Element;
-    };
-    work += count;
-    if (count == 0 || !isElement(loop.firstChild))
-        return copies;
-    do {
-        for (const XMLNode *child = loop.firstChild; isElement(child); child = child->nextSibling) {
-            copies.append(
-                document.copyElementExpanded(static_cast<const XMLElement *>(child), *rounds, &work));
-            if (stopPastBounds())
-                return copies;
-        }
-    } while (rounds->advance());
-    return copies;
-}
+}  // namespace directive

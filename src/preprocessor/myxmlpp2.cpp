@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-void MyXMLPP2::reportError(const QString &message)
+void MyXMLPP2::reportError(const std::string &message)
 {
-    std::fprintf(stderr, "%s\n", message.toLatin1().constData());
+    std::fprintf(stderr, "%s\n", message.c_str());
     std::exit(EXIT_FAILURE);
 }

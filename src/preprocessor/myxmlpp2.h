@@ -9,5 +9,5 @@ public:
     using XMLPP2::XMLPP2;
 
     /// Prints the message and a line feed on standard error and exits with status 1.
-    [[noreturn]] void reportError(const QString &message) override;
+    [[noreturn]] void reportError(const std::string &message) override;
 };

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "budget.h"
 #include "qxmldocument.h"
-#include "walklimits.h"
 
-#include <QMap>
-#include <QString>
+#include <map>
+#include <string>
 
 /// A document that executes the directives in it. One run per object: load, walk, then save.
 class XMLPP2 : public QXMLDocument
@@ -17,21 +17,22 @@ public:
     /// attribute values are expanded before the element is looked at. False only when the file
     /// cannot be loaded: errorMessage and errorLine say why. What goes wrong afterwards goes to
     /// reportError().
-    bool preprocessFile(const QString &fileName, const QString &macroList, bool expand);
+    bool preprocessFile(const std::string &fileName, const std::string &macroList, bool expand);
 
     /// Executes the directives in \a node (which can be null), its following siblings and all
     /// that is below them, in place. \a fileName is what relative includes start from. What the
     /// chain's own level defines is in \a macros afterwards. The current pool should be this
     /// document.
-    void processConditionals(XMLNode *node, const QString &fileName, MacroMap &macros, bool expand);
+    void processConditionals(XMLNode *node, const std::string &fileName, MacroMap &macros,
+                             bool expand);
 
     /// Receives the whole text of an error. Where it returns, the walk goes on as if the
     /// directive in question were an ordinary element or were not there; past a bound of
     /// limits it ends.
-    virtual void reportError(const QString &message) = 0;
+    virtual void reportError(const std::string &message) = 0;
 
     Limits limits;
 
     /// The stored fragments by name. They are nodes of this document's pool.
-    QMap<QString, XMLNode *> xmldefs;
+    std::map<std::string, XMLNode *, std::less<>> xmldefs;
 };

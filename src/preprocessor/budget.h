@@ -1,0 +1,82 @@
+#pragma once
+
+#include "pool.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+/// What a document may ask of the walk. Beyond a bound the run ends in an error that names it.
+struct Limits {
+    /// Elements nested in each other, those of included files and fragments counted where they
+    /// stand. The default takes less than half of a stack of 8 MiB.
+    int nestedLevels = 5000;
+    int nestedIncludes = 200;
+    /// Rounds of one <for>, combinations of one <foreach>.
+    unsigned loopRounds = 10'000'000;
+    /// Bytes that directives bring into the document's pool: copies, expanded values, included
+    /// trees.
+    std::size_t growth = std::size_t{1} << 30;
+    /// Steps of a tenth of a nanosecond, beyond Price::DocumentByte for every byte of the document.
+    /// Copies share their text, so that a small document can have a large expression evaluated
+    /// again and again without growing.
+    std::uint64_t work = 700'000'000'000;
+};
+
+namespace directive
+{
+
+/// What is done over and over, and what it costs in steps. Each price is what was measured, and
+/// with it a document is stopped after half a minute to three minutes of real work, whatever it
+/// consists of: the price of a kind of work may be off by a factor of two, not more. Where cost
+/// goes by characters in one text and by items in another, both have a price.
+enum class Price : std::uint32_t {
+    Nanosecond = 10,      ///< for what tells its cost itself
+    Character = 3,        ///< of a name looked up, a list searched, a value stored
+    ExpressionCharacter = 180,
+    ExpressionFailure = 25'000,
+    Alternative = 50,     ///< cut from its list and compared
+    ListItem = 80,        ///< a value of a foreach
+    MacroItem = 800,      ///< a macro set
+    InheritedName = 800,  ///< looked up on both elements
+    Include = 34'000,     ///< a file found, opened, read and closed
+    IncludedByte = 28,    ///< of the pool, for what was read
+    CountedRound = 10,    ///< of a loop whose rounds cannot be computed
+    SharedByte = 10,      ///< of text that is written for one more copy
+    DocumentByte = 300,   ///< what each byte of the document adds to the bound
+};
+
+/// What a walk has left to spend of its limits on growth and work.
+class Budget
+{
+public:
+    /// Growth is that of \a pool from here on. Both must outlive this object.
+    Budget(const Limits &limits, const Pool &pool);
+
+    void spend(Price price, std::uint64_t amount)
+    {
+        work += static_cast<std::uint64_t>(price) * amount;
+    }
+
+    bool isSpent() const { return growth() > limits.growth || work > workAtMost; }
+
+    /// Whether \a amount at that price is still there.
+    bool hasLeft(Price price, std::uint64_t amount) const
+    {
+        return !isSpent() && amount <= (workAtMost - work) / static_cast<std::uint64_t>(price);
+    }
+
+    /// What a spent budget was spent on, for an error.
+    std::string message() const;
+
+private:
+    std::size_t growth() const { return pool.bytesUsed() - bytesAtStart; }
+
+    const Limits &limits;
+    const Pool &pool;
+    const std::size_t bytesAtStart;
+    const std::uint64_t workAtMost;
+    std::uint64_t work = 0;
+};
+
+}  // namespace directive

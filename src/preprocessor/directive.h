@@ -1,0 +1,87 @@
+#pragma once
+
+#include "macroscopes.h"
+#include "xmlnode.h"
+
+#include <memory>
+#include <string_view>
+
+/// What the walk and the directives tell each other. A directive is a free function: it is given
+/// its element, where that stands, and what it may use (Run); it changes no link and returns an
+/// Outcome, which the walk carries out.
+namespace directive
+{
+
+class Run;
+
+/// Where a chain of siblings stands.
+struct Level {
+    std::string_view fileName;  ///< the file that holds it, as it was named
+    bool expand;                ///< whether attribute values are expanded
+    int includes;               ///< how many includes it is nested in
+};
+
+/// A level of its own for what comes from elsewhere, an included file or a fragment. The macros
+/// that it begins with are in force as long as it lives.
+struct Content {
+    Content(MacroScopes *scopes, const Level &at) : macros(scopes), level(at) {}
+
+    MacroScopes::Scope macros;
+    Level level;
+};
+
+/// A chain of siblings under construction, which is linked to nothing yet.
+struct Chain {
+    XMLNode *parent;  ///< the parent that its nodes are given
+    XMLNode *first = nullptr;
+    XMLNode *last = nullptr;
+
+    void append(XMLNode *node)
+    {
+        node->parent = parent;
+        (last ? last->nextSibling : first) = node;
+        last = node;
+    }
+
+    /// The chain with \a next behind it.
+    XMLNode *endWith(XMLNode *next) const
+    {
+        if (!last)
+            return next;
+        last->nextSibling = next;
+        return first;
+    }
+};
+
+/// What becomes of a directive's element.
+struct Outcome {
+    enum class Action : unsigned char {
+        Keep,     ///< it stays, and its children are walked, as any other element's
+        Remove,   ///< it goes with all below it
+        Unwrap,   ///< the children of \a node are put in its place and walked there
+        Branch,   ///< all its children are walked; those of its child \a node are put in its place
+        Replace,  ///< \a node is put in its place; only the children of that are walked
+        Copies,   ///< \a copies are put in its place and walked there, on its own level
+    };
+
+    Action action = Action::Keep;
+    XMLElement *node = nullptr;
+    /// Where the children of \a node are walked; null: on the element's level, with macros of
+    /// their own.
+    std::unique_ptr<Content> content = nullptr;
+    Chain copies = {nullptr};
+
+    static Outcome keep() { return {}; }
+    static Outcome remove() { return {Action::Remove}; }
+    static Outcome unwrapIf(bool condition, XMLElement &element)
+    {
+        return condition ? Outcome{Action::Unwrap, &element} : remove();
+    }
+};
+
+using Handler = Outcome(Run &, XMLElement &, const Level &);
+
+/// What executes the elements of that name; null when they are no directives.
+Handler *findDirective(const char *name);
+
+}  // namespace directive

@@ -1,0 +1,60 @@
+#include "run.h"
+
+#include "macrovalues.h"
+
+#include <algorithm>
+
+namespace directive
+{
+
+Run::Run(XMLPP2 *target, MacroMap *outermostMacros)
+    : document(*target),
+      limits(target->limits),
+      macros(outermostMacros),
+      budget(target->limits, *target),
+      firstRoot(target->root)
+{
+}
+
+std::string Run::expanded(std::string_view text)
+{
+    std::string result;
+    budget.spend(Price::Nanosecond, globalMacros.expand(macros, text, &result));
+    return result;
+}
+
+XMLElement *Run::copyExpanded(const XMLElement &source, MacroLookup &lookup)
+{
+    std::uint64_t steps = 0;
+    XMLElement *const copy = document.copyElementExpanded(&source, lookup, &steps);
+    budget.spend(Price::Nanosecond, steps);
+    return copy;
+}
+
+std::unique_ptr<Content> Run::contentFor(const XMLElement &directive, const Level &level)
+{
+    auto content = std::make_unique<Content>(&macros, level);
+    const bool takesMacros = level.expand || directive.hasAttribute("expand_macros");
+    if (takesMacros && directive.hasAttribute("macros")) {
+        const std::string_view list = attributeText(directive, "macros");
+        budget.spend(Price::Character, list.size());
+        budget.spend(Price::MacroItem,
+                     static_cast<std::uint64_t>(std::ranges::count(list, ';')) + 1);
+        macros.setList(list);
+        content->level.expand = true;
+    }
+    return content;
+}
+
+void Run::report(const std::string &message)
+{
+    document.reportError(std::string("XmlPP::processConditionals(): ").append(message));
+}
+
+void Run::stop(const std::string &message)
+{
+    stopped = true;
+    report(message);
+}
+
+}  // namespace directive

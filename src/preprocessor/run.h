@@ -1,0 +1,89 @@
+#pragma once
+
+#include "budget.h"
+#include "directive.h"
+#include "macroscopes.h"
+#include "sharedtext.h"
+#include "simpleexpressionparser.h"
+#include "xmlpp2.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace directive
+{
+
+/// What a directive may use: the document, the macros that are in force, the budget, and what all
+/// of them need of the expressions and macro references in their attributes.
+class Run
+{
+public:
+    Run(XMLPP2 *target, MacroMap *outermostMacros);
+
+    /// \a text with the macros in force in place of the references to them.
+    std::string expanded(std::string_view text);
+
+    /// The value of the expression \a text, as \a evaluate reads it.
+    template <typename Value>
+    Value evaluated(Value (SimpleExpressionParser::*evaluate)(const char *, bool *),
+                    const std::string &text, bool *ok)
+    {
+        SimpleExpressionParser parser;
+        const Value value = (parser.*evaluate)(text.c_str(), ok);
+        budget.spend(Price::ExpressionCharacter, text.size());
+        budget.spend(Price::ExpressionFailure, *ok ? 0 : 1);
+        return value;
+    }
+
+    /// Expands the attribute values of \a element with the macros in force.
+    void expandAttributes(XMLElement &element)
+    {
+        budget.spend(Price::Nanosecond, document.expandAttributes(&element, macros));
+    }
+
+    /// A copy of \a source and the elements below it, their values expanded with \a lookup.
+    XMLElement *copyExpanded(const XMLElement &source, MacroLookup &lookup);
+
+    /// The level for what \a directive brings in: \a level, with the macros that it adds to those
+    /// in force.
+    std::unique_ptr<Content> contentFor(const XMLElement &directive, const Level &level);
+
+    /// Hands "XmlPP::processConditionals(): " and \a message to the document's reportError().
+    void report(const std::string &message);
+    /// report() of an error that ends the walk, also where reportError() returns.
+    void stop(const std::string &message);
+    bool isStopped() const { return stopped; }
+    /// isStopped(), after the walk was ended if it has gone past a bound.
+    bool stopPastBounds()
+    {
+        if (!stopped && budget.isSpent())
+            stop(budget.message());
+        return stopped;
+    }
+
+    XMLPP2 &document;
+    const Limits &limits;
+    MacroScopes macros;
+    Budget budget;
+    SharedText sharedText;
+    const XMLNode *const firstRoot;  ///< the document's root before the walk
+
+private:
+    bool stopped = false;
+};
+
+/// The value of an attribute; empty when it has none.
+inline std::string_view textOf(const XMLAttribute &attribute)
+{
+    return attribute.value ? attribute.value : "";
+}
+
+/// The value of the attribute of that name; empty when there is none, or it has no value.
+inline std::string_view attributeText(const XMLElement &element, const char *name)
+{
+    const char *value = element.attribute(name);
+    return value ? value : "";
+}
+
+}  // namespace directive
