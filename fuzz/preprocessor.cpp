@@ -3,8 +3,8 @@
 // that does not count. What stands before the first of them is the file in.xml.
 
 #include "check.h"
+#include "inputtext.h"
 #include "macrovalues.h"
-#include "openfile.h"
 #include "xmlpp2.h"
 
 #include <filesystem>
@@ -50,9 +50,9 @@ std::string readFiles(const std::string &input)
 
 }  // namespace
 
-FILE *openFile(const QString &name, const char *mode)
+FILE *openFile(const std::string &name, const char *mode)
 {
-    std::string &text = fileOf(name.toStdString());
+    std::string &text = fileOf(name);
     return text.empty() ? nullptr : fmemopen(text.data(), text.size(), mode);
 }
 

@@ -83,6 +83,33 @@ TEST_F(Tree, CopiesEveryKindAndSharesStrings)
     EXPECT_EQ(document.copyNode(new XMLNode, d), nullptr);
 }
 
+/// Its elements come with an attribute and a child.
+class Furnished : public XMLDocument
+{
+public:
+    using XMLDocument::XMLDocument;
+    XMLElement *createElement(const char *name) override
+    {
+        XMLElement *element = XMLDocument::createElement(name);
+        element->setAttribute("own", "0");
+        element->appendChild(new XMLData("own"));
+        return element;
+    }
+};
+
+TEST(Document, KeepsWhatElementsOfASubclassComeWith)
+{
+    Furnished document(false);
+    const CurrentPool current(&document);
+    std::string text = R"(<a x="1"><b/><c own="2"/></a>)";
+    ASSERT_TRUE(document.parse(text.data()));
+    const std::string read = "a[own=0 x=1](#own,b[own=0](#own),c[own=2](#own))";
+    EXPECT_EQ(treeText(document.root), read);
+    // What was read comes behind what each copy comes with.
+    EXPECT_EQ(treeText(document.copyNode(document.root, nullptr)),
+              "a[own=0 x=1](#own,#own,b[own=0](#own,#own),c[own=2](#own,#own))");
+}
+
 TEST_F(Tree, CopiesAndWritesAnyDepth)
 {
     XMLNode *inner = c;

@@ -16,22 +16,25 @@ std::string rewritten(std::string text, int indent, bool keepComments = false)
 
 TEST(Writer, IndentsElementsAndDoesNotEndTheLineOfText)
 {
-    const char *text = "<a><b x=\"1\"><c/></b><d/></a>";
-    EXPECT_EQ(rewritten(text, 2), "<a>\n  <b x=\"1\">\n    <c/>\n  </b>\n  <d/>\n</a>\n");
-    EXPECT_EQ(rewritten(text, 0), text);
-    EXPECT_EQ(rewritten("<a><b/></a>", -1), "<a>\n<b/>\n</a>\n");
-    for (const int indent : {16, 17})
-        EXPECT_EQ(rewritten("<a><b/></a>", indent),
-                  "<a>\n" + std::string(static_cast<std::size_t>(indent), ' ') + "<b/>\n</a>\n");
-    EXPECT_EQ(rewritten("<a><![CDATA[<&]]><b/><!--<&-->&lt;</a>", 1, true),
-              "<a>\n  <![CDATA[<&]]>  <b/>\n  <!--<&--> &lt;</a>\n");
-}
-
-TEST(Writer, WritesDeclarationAndDoctype)
-{
-    EXPECT_EQ(rewritten(R"(<?xml version="1.0" encoding="&"?><!DOCTYPE d><a/>)", 2),
-              "<?xml  version=\"1.0\" encoding=\"&\" ?>\n<!DOCTYPE d>\n<a/>\n");
-    EXPECT_EQ(rewritten(R"(<? encoding="e"?><!D>)", 2), "<?xml  encoding=\"e\" ?>\n<!DOCTYPE >\n");
+    const struct {
+        const char *text;
+        int indent;
+        std::string expected;
+    } rows[] = {
+        {"<a><b x=\"1\"><c/></b><d/></a>", 2,
+         "<a>\n  <b x=\"1\">\n    <c/>\n  </b>\n  <d/>\n</a>\n"},
+        {"<a><b x=\"1\"><c/></b><d/></a>", 0, "<a><b x=\"1\"><c/></b><d/></a>"},
+        {"<a><b/></a>", -1, "<a>\n<b/>\n</a>\n"},
+        {"<a><b/></a>", 16, "<a>\n" + std::string(16, ' ') + "<b/>\n</a>\n"},
+        {"<a><b/></a>", 17, "<a>\n" + std::string(17, ' ') + "<b/>\n</a>\n"},
+        {"<a><![CDATA[<&]]><b/></a>", 1, "<a>\n <![CDATA[<&]]> <b/>\n</a>\n"},
+        {"<?xml version=\"1.0\" encoding=\"&\"?><!DOCTYPE d><a/>", 2,
+         "<?xml  version=\"1.0\" encoding=\"&\" ?>\n<!DOCTYPE d>\n<a/>\n"},
+        {"<? encoding=\"e\"?><!D>", 2, "<?xml  encoding=\"e\" ?>\n<!DOCTYPE >\n"},
+    };
+    for (const auto &[text, indent, expected] : rows)
+        EXPECT_EQ(rewritten(text, indent), expected);
+    EXPECT_EQ(rewritten("<a><!--<&-->&lt;</a>", 1, true), "<a>\n  <!--<&--> &lt;</a>\n");
 }
 
 TEST(Writer, EscapesAllButPrintableAscii)
@@ -67,6 +70,18 @@ TEST(Writer, HandsOverWhatIsLongerThanItsBuffer)
     const XMLNode node;
     EXPECT_EQ(nodeText(nullptr), spaces);
     EXPECT_EQ(nodeText(&node), spaces);
+}
+
+TEST(Writer, TakesNoTextForAnEmptyOne)
+{
+    XMLDocument document(false);
+    const CurrentPool current(&document);
+    XMLElement root("a");
+    for (XMLNode *child : std::initializer_list<XMLNode *>{
+             new XMLData(nullptr), new XMLComment(nullptr), new XMLCDATASection(nullptr)})
+        root.appendChild(child);
+    EXPECT_EQ(written([&](FILE *stream) { document.writeNode(stream, &root, 0); }),
+              "<a><!----><![CDATA[]]></a>");
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "inputtext.h"
 
 #include <algorithm>
-#include <string>
 #include <sys/stat.h>
 
 namespace
@@ -39,6 +38,11 @@ char *allocateText(std::size_t length, Pool *pool)
 }
 
 }  // namespace
+
+FILE *openFile(const std::string &name, const char *mode)
+{
+    return std::fopen(name.c_str(), mode);
+}
 
 std::span<char> readText(FILE *stream, Pool *pool)
 {

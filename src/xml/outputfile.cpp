@@ -1,10 +1,11 @@
 #include "outputfile.h"
 
-#include "openfile.h"
-
+#include <cassert>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <fcntl.h>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,32 +18,37 @@ std::string directoryOf(const std::string &path)
     return path.substr(0, path.rfind('/') + 1);
 }
 
-/// The path that \a path leads to once no symbolic link is left in its last component; there
-/// need not be anything at the end. Empty when the links do not end.
-std::string followLinks(std::string path)
+/// What the symbolic link \a path leads to; empty, with errno, when it is none.
+std::string followLink(const std::string &path)
 {
-    constexpr int mostLinks = 40;
-    for (int links = 0; links < mostLinks; ++links) {
-        char link[PATH_MAX];
-        const ssize_t length = readlink(path.c_str(), link, sizeof link);
-        if (length < 0)
-            return path;
-        std::string next(link, static_cast<std::size_t>(length));
-        path = next.starts_with('/') ? next : directoryOf(path).append(next);
-    }
-    return {};
+    char link[PATH_MAX];
+    const ssize_t length = readlink(path.c_str(), link, sizeof link);
+    if (length <= 0)
+        return {};
+    const std::string next(link, static_cast<std::size_t>(length));
+    return next.starts_with('/') ? next : directoryOf(path).append(next);
 }
 
-bool isSameFile(const struct stat &left, const struct stat &right)
+/// Whether a link is one of those that the system makes for the open files of processes. What they
+/// lead to need not have a name, and the text in them need not be one.
+bool isSystemLink(const struct stat &link)
 {
-    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+    struct stat own = {};
+    return lstat("/proc/self", &own) == 0 && S_ISLNK(own.st_mode) && link.st_dev == own.st_dev;
 }
 
-/// Whether \a descriptor is open for the regular file \a file.
-bool isOpenAs(int descriptor, const struct stat &file)
+/// Whether \a descriptor is open for the file \a wanted.
+bool isOpenAs(int descriptor, const struct stat &wanted)
 {
     struct stat open = {};
-    return fstat(descriptor, &open) == 0 && isSameFile(open, file);
+    return fstat(descriptor, &open) == 0 && open.st_dev == wanted.st_dev &&
+           open.st_ino == wanted.st_ino;
+}
+
+bool isRegular(int descriptor)
+{
+    struct stat open = {};
+    return fstat(descriptor, &open) != 0 || S_ISREG(open.st_mode);
 }
 
 /// Whether the failure to make a file says something about the place rather than about the
@@ -68,29 +74,35 @@ bool takeOver(int descriptor, const struct stat &old)
     return fchmod(descriptor, old.st_mode & (isOwned ? 07777 : 0777)) == 0;
 }
 
-/// Whether \a name is one under which the system shows open descriptors.
-bool namesDescriptor(const std::string &name)
-{
-    return name.starts_with("/dev/") || name.starts_with("/proc/");
-}
-
-/// Swaps two files, where the system can and both are there.
-bool swapFiles(const std::string &left, const std::string &right)
-{
-#ifdef RENAME_EXCHANGE
-    return renameat2(AT_FDCWD, left.c_str(), AT_FDCWD, right.c_str(), RENAME_EXCHANGE) == 0;
-#else
-    return false;
-#endif
-}
-
 }  // namespace
 
-OutputFile::OutputFile(const char *fileName) : file(open(fileName))
+/// What is to be done to write a file.
+struct OutputFile::Plan {
+    enum class Way {
+        Refuse,
+        LookAgain,   ///< something changed between two looks
+        Replace,     ///< a temporary file is renamed to path
+        InPlace,     ///< path is emptied and written
+        Device,      ///< the same for what is no regular file
+        Descriptor,  ///< what is open there already is written on
+    };
+    Way way = Way::Refuse;
+    std::string path = {};
+    std::optional<struct stat> old = {};  ///< the file that is to be replaced, if there is one
+    int descriptor = -1;
+};
+
+OutputFile::OutputFile(const char *fileName)
 {
+    const int descriptor = open(fileName);
+    if (descriptor < 0)
+        return;
+    file = fdopen(descriptor, "wb");
     // The writer hands over large runs; a buffer of the stream's own would only copy them.
     if (file)
         std::setvbuf(file, nullptr, _IONBF, 0);
+    else
+        close(descriptor);
 }
 
 OutputFile::~OutputFile()
@@ -101,87 +113,110 @@ OutputFile::~OutputFile()
         unlink(temporary.c_str());
 }
 
-FILE *OutputFile::open(const char *fileName)
+/// Follows the links one by one, so that each answer is about one thing: with stat() another
+/// program's rename between two calls could make a plain file look like two different ones.
+OutputFile::Plan OutputFile::planFor(const char *fileName)
 {
-    struct stat old = {};
-    const bool exists = stat(fileName, &old) == 0;
-    if (!exists && errno != ENOENT)
-        return nullptr;
-    if (exists && !S_ISREG(old.st_mode))
-        return openInPlace(fileName);
+    constexpr int mostLinks = 40;
+    std::string path = fileName;
+    for (int links = 0; links <= mostLinks; ++links) {
+        struct stat found = {};
+        if (lstat(path.c_str(), &found) != 0)
+            return {errno == ENOENT ? Plan::Way::Replace : Plan::Way::Refuse, path};
+        if (S_ISREG(found.st_mode) && access(path.c_str(), W_OK) == 0)
+            return {Plan::Way::Replace, path, found};
+        if (S_ISREG(found.st_mode))
+            return {errno == ENOENT ? Plan::Way::LookAgain : Plan::Way::Refuse};
+        if (!S_ISLNK(found.st_mode))
+            return {Plan::Way::Device, path};
+        if (isSystemLink(found))
+            return planForSystemLink(path.c_str());
+        path = followLink(path);
+        if (path.empty())
+            return {errno == ENOENT || errno == EINVAL ? Plan::Way::LookAgain : Plan::Way::Refuse};
+    }
+    return {};
+}
+
+OutputFile::Plan OutputFile::planForSystemLink(const char *fileName)
+{
     // Behind /dev/stdout can be a file that others go on writing to: what is put in its place, or
     // written at an offset of its own, would be lost to them or they to it.
-    for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
-        if (exists && namesDescriptor(fileName) && isOpenAs(descriptor, old))
-            return openDescriptor(descriptor);
-    }
-    if (exists && access(fileName, W_OK) != 0)
-        return nullptr;
-    target = followLinks(fileName);
     struct stat found = {};
-    if (target.empty() ||
-        (exists && (stat(target.c_str(), &found) != 0 || !isSameFile(old, found))))
-        return openInPlace(fileName);
-    // Nobody may open the temporary file who could not open the old one.
-    const mode_t mask = exists ? umask(S_IRWXG | S_IRWXO) : 0;
-    FILE *stream = openTemporary();
-    const int error = errno;
-    if (exists)
-        umask(mask);
-    if (!stream)
-        return noFileCanBeMade(error) ? openInPlace(fileName) : nullptr;
-    if (!exists || takeOver(fileno(stream), old))
-        return stream;
-    std::fclose(stream);
-    return nullptr;
-}
-
-FILE *OutputFile::openDescriptor(int descriptor)
-{
-    const int own = dup(descriptor);
-    FILE *stream = fdopen(own, "wb");
-    if (!stream)
-        close(own);
-    return stream;
-}
-
-FILE *OutputFile::openInPlace(const char *fileName)
-{
-    return openFile(QString::fromLatin1(fileName), "wb");
-}
-
-FILE *OutputFile::openTemporary()
-{
-    constexpr int mostNames = 1000;
-    const std::string prefix = directoryOf(target) + ".xmlpp-" + std::to_string(getpid()) + '-';
-    for (int number = 0; number < mostNames; ++number) {
-        std::string name = prefix + std::to_string(number);
-        if (FILE *stream = openFile(QString::fromLatin1(name), "wbx")) {
-            temporary = std::move(name);
-            return stream;
-        }
-        if (errno != EEXIST)
-            break;
+    const bool isFile = stat(fileName, &found) == 0 && S_ISREG(found.st_mode);
+    for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
+        if (isFile && isOpenAs(descriptor, found))
+            return {Plan::Way::Descriptor, {}, {}, descriptor};
     }
-    return nullptr;
+    return {Plan::Way::InPlace, fileName};
+}
+
+/// A descriptor to write to, or -1.
+int OutputFile::open(const char *fileName)
+{
+    constexpr int mostLooks = 100;
+    for (int looks = 0; looks < mostLooks; ++looks) {
+        const Plan plan = planFor(fileName);
+        int descriptor = -1;
+        switch (plan.way) {
+        case Plan::Way::Refuse:
+            return -1;
+        case Plan::Way::LookAgain:
+            continue;
+        case Plan::Way::Replace:
+            descriptor = openTemporary(plan);
+            if (descriptor >= 0 || !noFileCanBeMade(errno))
+                return descriptor;
+            [[fallthrough]];
+        case Plan::Way::InPlace:
+            return ::open(plan.path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+        case Plan::Way::Device:
+            // Should a file have taken its place, nothing happened to that yet.
+            descriptor = ::open(plan.path.c_str(), O_WRONLY);
+            if (descriptor < 0 || !isRegular(descriptor))
+                return descriptor;
+            close(descriptor);
+            break;
+        case Plan::Way::Descriptor:
+            return dup(plan.descriptor);
+        }
+    }
+    return -1;
+}
+
+int OutputFile::openTemporary(const Plan &plan)
+{
+    // No other run has this name: the clock tells apart what containers with process IDs of their
+    // own make in a directory that they share.
+    const auto now = std::chrono::system_clock::now().time_since_epoch().count();
+    temporary =
+        directoryOf(plan.path) + ".xmlpp-" + std::to_string(getpid()) + '-' + std::to_string(now);
+    target = plan.path;
+    // Nobody may open the temporary file who could not open the old one. Nothing from here to the
+    // end of the constructor allocates: an exception would leave the file behind.
+    const int descriptor =
+        ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL, plan.old ? 0600 : 0666);
+    if (descriptor < 0) {
+        temporary.clear();
+        return -1;
+    }
+    if (!plan.old || takeOver(descriptor, *plan.old))
+        return descriptor;
+    close(descriptor);
+    errno = EIO;
+    return -1;
 }
 
 bool OutputFile::commit()
 {
+    assert(file);
     FILE *stream = file;
     file = nullptr;
     const bool written = std::fflush(stream) == 0 && !std::ferror(stream);
     if (std::fclose(stream) != 0 || !written)
         return false;
-    if (temporary.empty())
-        return true;
-    // Where a file is renamed over another, some file systems write it out to the disk at once,
-    // which takes longer than all the rest of a small run.
-    if (swapFiles(temporary, target)) {
-        unlink(temporary.c_str());
-    } else if (std::rename(temporary.c_str(), target.c_str()) != 0) {
+    if (!temporary.empty() && std::rename(temporary.c_str(), target.c_str()) != 0)
         return false;
-    }
     temporary.clear();
     return true;
 }

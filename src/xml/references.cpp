@@ -1,7 +1,8 @@
 #include "references.h"
 
+#include <algorithm>
 #include <cstdint>
-#include <string_view>
+#include <cstring>
 
 namespace
 {
@@ -18,13 +19,13 @@ int digitValue(char c)
     return -1;
 }
 
-/// Decodes the numeric reference whose "&#" stands before \a text to its value modulo 256.
-/// Returns the bytes of \a text that it takes, 0 when it is none.
+/// Decodes the reference that \a text begins with to its value modulo 256. Returns the bytes that it
+/// takes, 0 when it is none.
 std::size_t decodeNumber(std::string_view text, char *decoded)
 {
-    const bool isHex = text.starts_with('x');
+    const bool isHex = text.starts_with("&#x");
     std::uint32_t value = 0;
-    for (std::size_t i = isHex ? 1 : 0; i < text.size(); ++i) {
+    for (std::size_t i = isHex ? 3 : 2; i < text.size(); ++i) {
         if (text[i] == ';') {
             *decoded = static_cast<char>(value & 0xFF);
             return i + 1;
@@ -37,37 +38,35 @@ std::size_t decodeNumber(std::string_view text, char *decoded)
     return 0;
 }
 
-/// The same for any reference, whose '&' stands before \a text.
+/// The same for any reference.
 std::size_t decodeReference(std::string_view text, char *decoded)
 {
-    static constexpr struct {
-        std::string_view name;
-        char character;
-    } entities[] = {{"lt;", '<'}, {"gt;", '>'}, {"quot;", '"'}, {"amp;", '&'}};
-    for (const auto &entity : entities) {
-        if (text.starts_with(entity.name)) {
+    for (const Entity &entity : entities) {
+        if (text.starts_with(entity.reference)) {
             *decoded = entity.character;
-            return entity.name.size();
+            return entity.reference.size();
         }
     }
-    if (!text.starts_with('#'))
-        return 0;
-    const std::size_t taken = decodeNumber(text.substr(1), decoded);
-    return taken > 0 ? taken + 1 : 0;
+    return text.starts_with("&#") ? decodeNumber(text, decoded) : 0;
 }
 
 }  // namespace
 
 void decodeReferences(const char *from, const char *end, char *to, bool dropReturns)
 {
-    while (from != end) {
-        const char c = *from++;
-        if (dropReturns && c == '\r')
-            continue;
-        *to = c;
-        if (c == '&')
-            from += decodeReference({from, static_cast<std::size_t>(end - from)}, to);
+    std::string_view rest(from, end);
+    for (;;) {
+        const std::size_t length = std::min(rest.find('&'), rest.size());
+        to = dropReturns ? std::remove_copy(rest.data(), rest.data() + length, to, '\r')
+                         : static_cast<char *>(std::memmove(to, rest.data(), length)) + length;
+        rest.remove_prefix(length);
+        if (rest.empty())
+            break;
+        const std::size_t taken = decodeReference(rest, to);
+        if (taken == 0)
+            *to = '&';
         ++to;
+        rest.remove_prefix(std::max(taken, std::size_t{1}));
     }
     *to = '\0';
 }

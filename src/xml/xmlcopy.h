@@ -5,20 +5,21 @@
 #include <vector>
 
 /// Copies \a source and all below it with \a copyOne, which makes the copy of a single node, not
-/// linked to anything, or returns null to leave out the node and all below it. Takes no more of
-/// the stack for a deep tree than for a flat one.
+/// linked to anything, or returns null to leave out the node and all below it. Children that such
+/// a copy comes with stay in front of the copied ones. Takes no more of the stack for a deep tree
+/// than for a flat one.
 template <typename CopyOne>
 XMLNode *copySubtree(const XMLNode *source, CopyOne copyOne)
 {
     struct Level {
-        const XMLNode *next;  ///< what is to be copied next
-        XMLNode *parent;      ///< the parent of the copies
-        XMLNode **end;        ///< where the next copy hangs
+        const XMLNode *next;  ///< the child of the source that is to be copied next
+        XMLNode *parent;      ///< the copy of the source, to which the children are linked
+        XMLNode **end;        ///< the link that the next child is to hang from
     };
     XMLNode *top = copyOne(source);
     if (!top || !source->firstChild)
         return top;
-    std::vector<Level> levels{{source->firstChild, top, &top->firstChild}};
+    std::vector<Level> levels{{source->firstChild, top, top->childrenEnd()}};
     while (!levels.empty()) {
         Level &level = levels.back();
         const XMLNode *node = level.next;
@@ -34,7 +35,7 @@ XMLNode *copySubtree(const XMLNode *source, CopyOne copyOne)
         *level.end = copy;
         level.end = &copy->nextSibling;
         if (node->firstChild)
-            levels.push_back({node->firstChild, copy, &copy->firstChild});
+            levels.push_back({node->firstChild, copy, copy->childrenEnd()});
     }
     return top;
 }

@@ -1,7 +1,6 @@
 #include "xmldocument.h"
 
 #include "inputtext.h"
-#include "openfile.h"
 #include "outputfile.h"
 #include "xmlcopy.h"
 #include "xmlreader.h"
@@ -72,7 +71,6 @@ bool XMLDocument::parse(char *text)
 /// parse() with text that lies in the pool, has a NUL behind it and becomes part of the tree.
 bool XMLDocument::parseOwn(std::span<char> text)
 {
-    const CurrentPool current(this);
     XMLReader reader(this, text);
     root = reader.read();
     if (reader.error() == XMLReader::Error::None)
@@ -90,9 +88,9 @@ bool XMLDocument::read(FILE *stream)
 
 bool XMLDocument::load(const char *fileName)
 {
-    const InputStream stream(openFile(QString::fromLatin1(fileName), "rb"));
+    const InputStream stream(openFile(fileName, "rb"));
     // What is read goes straight into the pool; a buffer of the stream's own would copy it.
-    if (stream.get())
+    if (stream)
         std::setvbuf(stream.get(), nullptr, _IONBF, 0);
     return readOn(stream.get(), fileName);
 }

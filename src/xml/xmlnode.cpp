@@ -1,12 +1,15 @@
 #include "xmlnode.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
+#include <utility>
 
 namespace
 {
 
-/// The place in \a parent's chain that \a child hangs from; at the end it holds null.
+/// The link in \a parent's chain that \a child hangs from; the one at the end, which holds null,
+/// when it is no child.
 XMLNode **findLink(XMLNode *parent, const XMLNode *child)
 {
     XMLNode **link = &parent->firstChild;
@@ -19,6 +22,7 @@ XMLNode **findLink(XMLNode *parent, const XMLNode *child)
 
 XMLNode *adoptChain(XMLNode *newParent, XMLNode *chain, XMLNode *next)
 {
+    assert(chain);
     for (;; chain = chain->nextSibling) {
         chain->parent = newParent;
         if (!chain->nextSibling)
@@ -30,12 +34,14 @@ XMLNode *adoptChain(XMLNode *newParent, XMLNode *chain, XMLNode *next)
 
 void XMLNode::appendChild(XMLNode *child)
 {
-    *findLink(this, nullptr) = child;
+    assert(child && !child->nextSibling);
+    *childrenEnd() = child;
     child->parent = this;
 }
 
 void XMLNode::prependChild(XMLNode *child)
 {
+    assert(child);
     child->nextSibling = firstChild;
     firstChild = child;
     child->parent = this;
@@ -50,7 +56,9 @@ void XMLNode::removeChild(XMLNode *child)
 
 void XMLNode::replaceChild(XMLNode *oldChild, XMLNode *newChild)
 {
-    *findLink(this, oldChild) = newChild;
+    XMLNode **link = findLink(this, oldChild);
+    assert(newChild && *link);
+    *link = newChild;
     newChild->nextSibling = oldChild->nextSibling;
     newChild->parent = oldChild->parent;
 }
@@ -63,13 +71,23 @@ void XMLNode::insertAfter(XMLNode *refChild, XMLNode *chain)
             adoptChain(this, chain, nullptr);
         return;
     }
+    assert(refChild && refChild->parent == this && chain);
     XMLNode *next = refChild->nextSibling;
     refChild->nextSibling = chain;
     adoptChain(this, chain, next);
 }
 
+void XMLElement::setLiteral()
+{
+    assert(std::ranges::none_of(std::as_const(*this).attributes(), [](const XMLAttribute &each) {
+        return each.value && std::strchr(each.value, '$');
+    }));
+    literal = 1;
+}
+
 XMLAttribute *XMLElement::findAttribute(const char *name) const
 {
+    assert(name);
     for (XMLAttribute *attribute = firstAttribute; attribute != firstAttribute + attributeCount;
          ++attribute) {
         if (std::strcmp(attribute->name, name) == 0)

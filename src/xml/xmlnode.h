@@ -17,10 +17,8 @@ class XMLNode : public PoolObject
 public:
     enum class Kind : unsigned char { Other, Element, Data, Comment, CDATASection };
 
-    explicit XMLNode(Kind nodeKind = Kind::Other)
-        : ownKind(static_cast<std::uint32_t>(nodeKind) & 7)
-    {
-    }
+    /// A node of Kind::Other, as every class is that is none of those below.
+    XMLNode() : XMLNode(Kind::Other) {}
     virtual ~XMLNode() = default;
     XMLNode(const XMLNode &) = delete;
     XMLNode &operator=(const XMLNode &) = delete;
@@ -38,8 +36,18 @@ public:
     virtual void replaceChild(XMLNode *oldChild, XMLNode *newChild);
 
     /// Links the whole sibling chain that starts at \a chain behind the child \a refChild. A
-    /// node without children takes the chain as its children and ignores \a refChild.
+    /// node without children takes the chain, which can then be null, as its children and ignores
+    /// \a refChild.
     virtual void insertAfter(XMLNode *refChild, XMLNode *chain);
+
+    /// The link that the next child is to hang from. Walks the chain.
+    XMLNode **childrenEnd()
+    {
+        XMLNode **link = &firstChild;
+        while (*link)
+            link = &(*link)->nextSibling;
+        return link;
+    }
 
     Kind kind() const { return static_cast<Kind>(ownKind); }
 
@@ -50,6 +58,9 @@ public:
 
 private:
     friend class XMLElement;
+    friend class XMLText;
+
+    explicit XMLNode(Kind nodeKind) : ownKind(static_cast<std::uint32_t>(nodeKind) & 7) {}
 
     // In XMLElement, to which they belong, the last two would make every element 8 bytes larger.
     std::uint32_t ownKind : 3;
@@ -57,8 +68,8 @@ private:
     std::uint32_t attributeCount : 28 = 0;
 };
 
-/// Makes \a newParent the parent of \a chain and all its following siblings, links the last of
-/// them to \a next and returns it.
+/// Makes \a newParent the parent of \a chain, which is not null, and all its following siblings,
+/// links the last of them to \a next and returns it.
 XMLNode *adoptChain(XMLNode *newParent, XMLNode *chain, XMLNode *next);
 
 /// A name and a value of an element. The value can be null: the attribute is there, its text is
@@ -112,16 +123,16 @@ public:
         return {firstAttribute, count};
     }
 
-    /// Whether no attribute value holds a '$', as far as that is known: the reader tells, and
-    /// whatever could change an attribute makes it unknown.
+    /// Whether no attribute value holds a '$', as far as that is known: whoever sets the values
+    /// can tell, and whatever could change an attribute makes it unknown.
     bool isLiteral() const { return literal != 0; }
-    void setLiteral() { literal = 1; }
+    void setLiteral();
 
 private:
     XMLAttribute *findAttribute(const char *name) const;
-    /// Attributes for which there is memory where there are \a count of them: no more than those
-    /// few that most elements have, and so many that appending one by one costs no more than it
-    /// has to.
+    /// For how many attributes there is memory in an element that has \a count: just those where
+    /// they are few, as mostly, and else up to the next power of two, so that appending one by
+    /// one stays linear.
     static std::size_t attributeRoom(std::size_t count)
     {
         return count <= 8 ? count : std::bit_ceil(count);
@@ -131,17 +142,21 @@ private:
     XMLAttribute *firstAttribute = nullptr;
 };
 
-/// What character data, comments and CDATA sections have in common: one text.
+/// What character data, comments and CDATA sections have in common: one text, which can be null
+/// and is empty then.
 class XMLText : public XMLNode
 {
 public:
     virtual void setData(const char *data) { text = data; }
     virtual const char *data() const { return text; }
 
-protected:
+private:
+    friend class XMLData;
+    friend class XMLComment;
+    friend class XMLCDATASection;
+
     XMLText(Kind nodeKind, const char *data) : XMLNode(nodeKind), text(data) {}
 
-private:
     const char *text;
 };
 

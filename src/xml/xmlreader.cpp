@@ -4,7 +4,7 @@
 #include "references.h"
 #include "xmldocument.h"
 
-#include <algorithm>
+#include <cassert>
 #include <cstring>
 #include <utility>
 
@@ -45,14 +45,6 @@ char *passByte(char *from)
 
 }  // namespace
 
-void NextByte::find(const char *from)
-{
-    constexpr std::ptrdiff_t step = 1 << 15;
-    searched = from + std::min(step, end - from);
-    const void *found = std::memchr(from, byte, static_cast<std::size_t>(searched - from));
-    next = found ? static_cast<const char *>(found) : searched;
-}
-
 XMLReader::XMLReader(XMLDocument *target, std::span<char> text)
     : document(target),
       position(text.data()),
@@ -62,6 +54,7 @@ XMLReader::XMLReader(XMLDocument *target, std::span<char> text)
       nextNewline(text.empty() ? position : findByte('\n', position + 1)),
       keepComments(target->keepComments)
 {
+    assert(position[text.size()] == '\0');
 }
 
 void XMLReader::skipSpace()
@@ -84,6 +77,7 @@ inline XMLReader::Span XMLReader::quotedAt(char *quote)
 
 XMLNode *XMLReader::read()
 {
+    const CurrentPool current(document);
     skipSpace();
     while (*position == '<') {
         markupLine = lineAt(position);
@@ -95,7 +89,7 @@ XMLNode *XMLReader::read()
     return result;
 }
 
-/// One construct, from behind its '<'. False ends the read.
+/// Reads one construct, from behind its '<'. False ends the read.
 bool XMLReader::readMarkup()
 {
     switch (*position) {
@@ -183,8 +177,10 @@ void XMLReader::readComment()
         return;
     ++position;
     Span text{};
-    if (findEnd("-->", &text) && keepComments && !open.empty())
-        append(new XMLComment(endText(text)), markupLine);
+    if (!findEnd("-->", &text) || !keepComments || open.empty())
+        return;
+    endAt(text.end);
+    append(new XMLComment(text.start), markupLine);
 }
 
 void XMLReader::readCData()
@@ -194,8 +190,10 @@ void XMLReader::readCData()
     skipSpace();
     position = passByte(position);
     Span text{};
-    if (findEnd("]]>", &text) && !open.empty())
-        append(new XMLCDATASection(endText(text)), markupLine);
+    if (!findEnd("]]>", &text) || open.empty())
+        return;
+    endAt(text.end);
+    append(new XMLCDATASection(text.start), markupLine);
 }
 
 void XMLReader::readDoctype()
@@ -251,7 +249,7 @@ bool XMLReader::readStartTag()
         position = at + 2;
         return true;
     }
-    open.push_back({element, &element->firstChild});
+    open.push_back({element, element->childrenEnd()});
     if (next == '/')
         return readEndTag();
     // The byte itself can be the name's NUL by now.
@@ -273,10 +271,8 @@ inline char *XMLReader::readAttribute(char *from)
         return at;
     const Span value = quotedAt(at);
     at = passSpace(passByte(value.end));
-    // The newlines up to here are counted first: no later search could see beyond a NUL.
-    lineAt(at);
-    *name.end = '\0';
-    *value.end = '\0';
+    endAt(name.end);
+    endAt(value.end);
     if (ampersands.isBefore(value.end))
         decodeReferences(value.start, value.end, value.start, false);
     setAttribute(name, value.start);
@@ -315,7 +311,8 @@ void XMLReader::setIndexedAttribute(std::string_view name, const char *value)
 /// Makes the element of the tag that was read up to here.
 XMLElement *XMLReader::makeElement(const Span &name)
 {
-    XMLElement *element = document->createElement(endText(name));
+    endAt(name.end);
+    XMLElement *element = document->createElement(name.start);
     element->line = markupLine;
     // An element of a subclass can come with attributes of its own.
     if (!std::as_const(*element).attributes().empty()) {
@@ -333,12 +330,11 @@ XMLElement *XMLReader::makeElement(const Span &name)
     return element;
 }
 
-/// Ends \a text, all of which and the byte behind it was read, with a NUL.
-const char *XMLReader::endText(const Span &text)
+/// Ends the string before \a end, which was read and is not needed any more, with a NUL.
+inline void XMLReader::endAt(char *end)
 {
-    lineAt(position);
-    *text.end = '\0';
-    return text.start;
+    lineAt(end);
+    *end = '\0';
 }
 
 /// An end tag, or the end of an empty-element tag, from its '/'.

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "namehash.h"
+#include "nextbyte.h"
 #include "xmlnode.h"
 
-#include <cstddef>
 #include <span>
 #include <string_view>
 #include <unordered_map>
@@ -11,48 +11,23 @@
 
 class XMLDocument;
 
-/// Where a byte occurs in text that is read from its start to its end: each part of the text is
-/// searched once, however often and for however short a span is asked, and just before it is read,
-/// as that brings it into the cache.
-class NextByte
-{
-public:
-    NextByte(char wantedByte, std::span<const char> text)
-        : byte(wantedByte),
-          next(text.data()),
-          searched(text.data()),
-          end(text.data() + text.size())
-    {
-    }
-
-    /// Passes what is before \a where, which never decreases.
-    void passTo(const char *where)
-    {
-        if (next < where)
-            find(where);
-    }
-    /// Whether the byte is between what was passed and \a where.
-    bool isBefore(const char *where)
-    {
-        while (next < where && next == searched)
-            find(next);
-        return next < where;
-    }
-
-private:
-    void find(const char *from);
-
-    char byte;
-    const char *next;  ///< its first occurrence that was not passed yet, or where searching ended
-    const char *searched;  ///< how far the text was searched
-    const char *end;
-};
-
 /// One read: a single pass over text with a NUL behind it, from its first byte to the NUL or to the
-/// first error, without looking back. The text lies in the document's pool, which must be the
-/// current one and takes the nodes, and the reader takes it over: the strings of the nodes are
-/// pieces of it, decoded where they are and ended with a NUL. What XML 1.0 has and this reader has
-/// not is passed over as character data; it never fails but for the two errors below.
+/// first error. The nodes go into the document's pool. What XML 1.0 has and this reader has not is
+/// passed over as character data; it never fails but for the two errors below.
+///
+/// The text lies in that pool too, and the reader takes it over: names and values stay where they
+/// are, the nodes point to them. Nearly all of a document is names and values, and what a large one
+/// costs is the first touch of its memory, so copies would cost as much again as reading does.
+///
+/// A string needs a NUL behind it, which overwrites what stands there: a quote, a '=', a '>', white
+/// space. endAt() is the one place that does so, and these rules make it right:
+/// - A byte is overwritten once it was read, and nothing reads it again: the reader never looks
+///   back, and who still needs the byte keeps it in a local. The '>' of "<a>" ends the tag and
+///   the name both, so an element's name is ended when its tag was read.
+/// - Decoding a reference never makes it longer, so a value is decoded where it stands.
+/// - The byte can be a newline, and the search for the next newline would end at the NUL. So the
+///   lines are counted up to the byte first, which leaves that search behind it.
+/// Character data alone is copied: the byte behind it is the '<' that is to be read next.
 class XMLReader
 {
 public:
@@ -81,7 +56,7 @@ private:
     };
     struct OpenElement {
         XMLElement *element;
-        XMLNode **end;  ///< where the next child hangs
+        XMLNode **end;  ///< the link that the next child is to hang from
     };
 
     bool readMarkup();
@@ -106,11 +81,12 @@ private:
     void setIndexedAttribute(std::string_view name, const char *value);
     XMLElement *makeElement(const Span &name);
     void closeElement(XMLElement *element);
-    const char *endText(const Span &text);
+    void endAt(char *end);
     void append(XMLNode *node, int line);
     bool fail(Error what);
 
-    /// The newlines up to and including \a where, which never lies before what was asked for last.
+    /// The newlines up to and including \a where, or up to whatever was asked for before, if that
+    /// lies behind it.
     int lineAt(const char *where)
     {
         if (nextNewline <= where)
@@ -123,9 +99,9 @@ private:
     char *position;
     NextByte ampersands;
     NextByte dollars;
-    const char *nextNewline;  ///< the first newline that is not counted in line yet, or the end
+    const char *nextNewline;  ///< the first that is not counted in line yet; the NUL if none is
     int line = 0;
-    int markupLine = 0;
+    int markupLine = 0;  ///< where the markup that is being read began
     Error failure = Error::None;
     int failureLine = 0;
     bool keepComments;

@@ -1,21 +1,21 @@
 #include "xmlwriter.h"
 
 #include "characterclass.h"
+#include "references.h"
 #include "xmldocument.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
-#include <string_view>
 #include <vector>
 
 namespace
 {
 
-/// For the short pieces that fit the slack of the buffer.
-inline char *append(char *to, std::string_view piece)
+const char *textOf(const XMLNode *node)
 {
-    std::memcpy(to, piece.data(), piece.size());
-    return to + piece.size();
+    const char *text = static_cast<const XMLText *>(node)->data();
+    return text ? text : "";
 }
 
 }  // namespace
@@ -27,17 +27,16 @@ XMLWriter::XMLWriter(FILE *target, int spacesPerLevel) : stream(target), indent(
 void XMLWriter::writeDocument(const XMLDocument &document)
 {
     char *to = buffer;
-    const auto appendBetween = [&](const char *before, const char *text, const char *after) {
-        if (text)
-            to = append(appendText(append(to, before), text), after);
-    };
     if (document.version || document.encoding) {
         to = append(to, "<?xml ");
-        appendBetween(" version=\"", document.version, "\"");
-        appendBetween(" encoding=\"", document.encoding, "\"");
+        if (document.version)
+            to = appendBetween(to, " version=\"", document.version, "\"");
+        if (document.encoding)
+            to = appendBetween(to, " encoding=\"", document.encoding, "\"");
         to = append(to, " ?>\n");
     }
-    appendBetween("<!DOCTYPE ", document.doctype, ">\n");
+    if (document.doctype)
+        to = appendBetween(to, "<!DOCTYPE ", document.doctype, ">\n");
     flush(appendTree(to, document.root, 0));
 }
 
@@ -85,29 +84,34 @@ char *XMLWriter::appendNode(char *to, const XMLNode *node, long long depth)
     case XMLNode::Kind::Element:
         return appendStartTag(to, static_cast<const XMLElement *>(node));
     case XMLNode::Kind::Data:
-        return appendEscaped(to, static_cast<const XMLText *>(node)->data());
+        return appendEscaped(to, textOf(node));
     case XMLNode::Kind::Comment:
-        to = appendText(append(to, "<!--"), static_cast<const XMLText *>(node)->data());
-        return append(to, "-->");
+        return appendBetween(to, "<!--", textOf(node), "-->");
     case XMLNode::Kind::CDATASection:
-        to = appendText(append(to, "<![CDATA["), static_cast<const XMLText *>(node)->data());
-        return append(to, "]]>");
+        return appendBetween(to, "<![CDATA[", textOf(node), "]]>");
     case XMLNode::Kind::Other:
         break;
     }
     return to;
 }
 
+/// Appends a piece that the writer itself adds to what is in the tree.
+inline char *XMLWriter::append(char *to, std::string_view piece)
+{
+    assert(piece.size() <= roomAt(to));
+    std::memcpy(to, piece.data(), piece.size());
+    return to + piece.size();
+}
+
 /// Appends *text up to the first byte that is not \a wanted, which the NUL is not, and leaves
-/// *text there. The slack takes eight bytes, so the end of the buffer is looked for only once for
-/// as many.
+/// *text there. Looks for the end of the buffer once for every eight bytes.
 template <typename Wanted>
 inline char *XMLWriter::appendWhile(char *to, const char **text, Wanted wanted)
 {
     const char *from = *text;
     for (;;) {
-        if (to >= bufferEnd)
-            to = flush(to);
+        to = flushPassed(to);
+        assert(roomAt(to) >= 8);
 #pragma GCC unroll 8
         for (int step = 0; step < 8; ++step) {
             if (!wanted(*from)) {
@@ -124,6 +128,13 @@ inline char *XMLWriter::appendText(char *to, const char *text)
     return appendWhile(to, &text, [](char byte) { return byte != '\0'; });
 }
 
+inline char *XMLWriter::appendBetween(char *to, std::string_view before, const char *text,
+                                      std::string_view after)
+{
+    return append(appendText(append(to, before), text), after);
+}
+
+/// \a text can be null, which is written like an empty one.
 inline char *XMLWriter::appendEscaped(char *to, const char *text)
 {
     if (!text)
@@ -141,7 +152,7 @@ char *XMLWriter::appendStartTag(char *to, const XMLElement *element)
 {
     to = appendText(append(to, "<"), element->name());
     for (const XMLAttribute &attribute : element->attributes()) {
-        to = append(appendText(append(to, " "), attribute.name), "=\"");
+        to = appendBetween(to, " ", attribute.name, "=\"");
         to = append(appendEscaped(to, attribute.value), "\"");
     }
     to = append(to, element->firstChild ? ">" : "/>");
@@ -150,37 +161,26 @@ char *XMLWriter::appendStartTag(char *to, const XMLElement *element)
 
 char *XMLWriter::appendEndTag(char *to, const XMLElement *element, long long depth)
 {
-    to = append(appendIndentation(to, depth), "</");
-    to = append(appendText(to, element->name()), ">");
+    to = appendBetween(appendIndentation(to, depth), "</", element->name(), ">");
     return indent != 0 ? append(to, "\n") : to;
 }
 
 char *XMLWriter::appendReference(char *to, unsigned char byte)
 {
-    static constexpr char digits[] = "0123456789abcdef";
-    switch (byte) {
-    case '"':
-        return append(to, "&quot;");
-    case '&':
-        return append(to, "&amp;");
-    case '<':
-        return append(to, "&lt;");
-    case '>':
-        return append(to, "&gt;");
-    default:
-        to = append(to, "&#x");
-        if (byte >= 0x10)
-            *to++ = digits[byte >> 4];
-        *to++ = digits[byte & 0xF];
-        *to++ = ';';
-        return to;
+    for (const Entity &entity : entities) {
+        if (static_cast<unsigned char>(entity.character) == byte)
+            return append(to, entity.reference);
     }
+    static constexpr char digits[] = "0123456789abcdef";
+    to = append(to, "&#x");
+    if (byte >= 0x10)
+        to = append(to, {&digits[byte >> 4], 1});
+    return append(append(to, {&digits[byte & 0xF], 1}), ";");
 }
 
 inline char *XMLWriter::appendIndentation(char *to, long long depth)
 {
-    if (to >= bufferEnd)
-        to = flush(to);
+    to = flushPassed(to);
     long long spaces = indent * depth;
     // A copy of a fixed length costs less than one that is just as long as it has to be.
     constexpr std::string_view few = "                ";
@@ -188,20 +188,25 @@ inline char *XMLWriter::appendIndentation(char *to, long long depth)
         append(to, few);
         return to + spaces;
     }
-    while (spaces > 0) {
-        if (to >= bufferEnd)
-            to = flush(to);
-        const auto run = std::min(spaces, static_cast<long long>(bufferEnd - to));
+    for (long long run = 0; spaces > 0; spaces -= run) {
+        to = flushPassed(to);
+        run = std::min(spaces, static_cast<long long>(bufferEnd - to));
         std::memset(to, ' ', static_cast<std::size_t>(run));
         to += run;
-        spaces -= run;
     }
     return to;
+}
+
+/// flush() once the end is passed.
+inline char *XMLWriter::flushPassed(char *to)
+{
+    return to >= bufferEnd ? flush(to) : to;
 }
 
 /// Hands the buffer's content up to \a to over. Returns where the next byte goes.
 char *XMLWriter::flush(char *to)
 {
+    assert(to >= buffer && to <= bufferEnd + slack);
     std::fwrite(buffer, 1, static_cast<std::size_t>(to - buffer), stream);
     return buffer;
 }

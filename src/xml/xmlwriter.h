@@ -3,12 +3,23 @@
 #include "xmlnode.h"
 
 #include <cstdio>
+#include <string_view>
 
 class XMLDocument;
 
-/// Formats nodes for one stream. What it writes is gathered and handed to the stream in large
-/// runs, the last of them at the end of each operation. Failures are the stream's: nothing here
-/// looks at them.
+/// Formats nodes for one stream. Failures are the stream's: nothing here looks at them.
+///
+/// What is written is gathered in a buffer and handed to the stream in large runs, the last of them
+/// at the end of each operation. Looking before each byte whether there is room for it would cost
+/// as much as writing it, so the buffer has slack behind its end, and these rules keep all that is
+/// written within the two:
+/// - An operation may be called with the end passed, by half of the slack at most.
+/// - Whatever can be long, a text or an indentation, begins by handing over what is there if the
+///   end is passed. It then looks again after every few bytes, and so passes the end by fewer
+///   than it writes between two looks.
+/// - What the writer itself adds between two of these, quotes, brackets and references, is
+///   short and is not preceded by a look: it goes into the slack.
+/// - Each place that writes asserts that there is room.
 class XMLWriter
 {
 public:
@@ -28,16 +39,17 @@ public:
 
 private:
     static constexpr std::size_t bufferSize = std::size_t{1} << 16;
-    /// Room behind bufferEnd for the last bytes of a text, and for the few that the writer itself
-    /// adds from one text or indentation to the next, where it looks whether the end is passed.
     static constexpr std::size_t slack = 64;
 
     // Each of these appends at to and returns the new end. It is handed on in locals: every byte
     // that is written could otherwise, for all that the compiler knows, change the member in which
     // the end is kept.
+    char *append(char *to, std::string_view piece);
     template <typename Wanted>
     char *appendWhile(char *to, const char **text, Wanted wanted);
     char *appendText(char *to, const char *text);
+    char *appendBetween(char *to, std::string_view before, const char *text,
+                        std::string_view after);
     char *appendEscaped(char *to, const char *text);
     char *appendReference(char *to, unsigned char byte);
     char *appendIndentation(char *to, long long depth);
@@ -46,6 +58,11 @@ private:
     char *appendTree(char *to, const XMLNode *node, long long depth);
     char *appendNode(char *to, const XMLNode *node, long long depth);
     char *flush(char *to);
+    char *flushPassed(char *to);
+    std::size_t roomAt(const char *to) const
+    {
+        return static_cast<std::size_t>(bufferEnd + slack - to);
+    }
 
     FILE *stream;
     int indent;
