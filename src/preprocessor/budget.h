@@ -31,8 +31,8 @@ namespace directive
 /// consists of: the price of a kind of work may be off by a factor of two, not more. Where cost
 /// goes by characters in one text and by items in another, both have a price.
 enum class Price : std::uint32_t {
-    Nanosecond = 10,      ///< for what tells its cost itself
-    Character = 3,        ///< of a name looked up, a list searched, a value stored
+    Nanosecond = 10,  ///< for what tells its cost itself
+    Character = 3,    ///< of a name looked up, a list searched, a value stored
     ExpressionCharacter = 180,
     ExpressionFailure = 25'000,
     Alternative = 50,     ///< cut from its list and compared
@@ -50,8 +50,8 @@ enum class Price : std::uint32_t {
 class Budget
 {
 public:
-    /// Growth is that of \a pool from here on. Both must outlive this object.
-    Budget(const Limits &limits, const Pool &pool);
+    /// Growth is that of \a target from here on. Both must outlive this object.
+    Budget(const Limits &atMost, const Pool &target);
 
     void spend(Price price, std::uint64_t amount)
     {

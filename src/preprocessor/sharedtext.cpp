@@ -9,6 +9,8 @@ namespace directive
 namespace
 {
 
+constexpr std::uint64_t unknown = UINT64_MAX;
+
 std::uint64_t lengthOf(const char *text)
 {
     return text ? std::strlen(text) : 0;
@@ -49,14 +51,15 @@ void forEachText(const XMLNode *top, Take take)
 
 void SharedText::noteCopy(const XMLNode *fragment)
 {
-    const auto [entry, isNew] = bytesOfFragments.try_emplace(fragment);
-    if (isNew) {
-        forEachText(fragment, [&](std::uint64_t more) {
-            entry->second += more;
+    std::uint64_t &bytesOfFragment = bytesOfFragments.try_emplace(fragment, unknown).first->second;
+    if (bytesOfFragment == unknown) {
+        bytesOfFragment = 0;
+        forEachText(fragment, [&bytesOfFragment](std::uint64_t more) {
+            bytesOfFragment += more;
             return true;
         });
     }
-    bytes += entry->second;
+    bytes += bytesOfFragment;
 }
 
 void SharedText::charge(const XMLNode *root, Budget *budget) const
