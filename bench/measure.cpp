@@ -6,91 +6,61 @@
 // A program of its own because the kernel counts what the starting process holds towards the
 // peak of the started one: a Python interpreter would be most of what a small run needs.
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <err.h>
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 
-extern char **environ;
-
 namespace
 {
 
-struct Cost {
-    long long cpuMicroseconds = 0;
-    long long wallMicroseconds = 0;
-    long peakKiB = 0;
-};
-
-long long microseconds(const timeval &time)
+double microseconds(const timeval &time)
 {
-    return time.tv_sec * 1'000'000LL + time.tv_usec;
+    return double(time.tv_sec) * 1e6 + double(time.tv_usec);
 }
 
-[[noreturn]] void fail(const char *program, const char *what, long number)
-{
-    fprintf(stderr, "measure: %s: %s %ld\n", program, what, number);
-    exit(1);
-}
-
-/// Starts \a command with its standard streams on the two files; the output file begins empty.
-pid_t start(char **command, const char *input, const char *output)
+/// Runs \a command with its standard streams on the two files; the output file begins empty.
+rusage run(char **command, const char *input, const char *output)
 {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, 0, input, O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, 1, output, O_WRONLY | O_CREAT | O_TRUNC, 0644);
     pid_t child = 0;
-    const int error = posix_spawnp(&child, command[0], &actions, nullptr, command, environ);
+    errno = posix_spawnp(&child, command[0], &actions, nullptr, command, environ);
     posix_spawn_file_actions_destroy(&actions);
-    if (error)
-        fail(command[0], strerror(error), error);
-    return child;
-}
-
-Cost run(char **command, const char *input, const char *output)
-{
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point before = Clock::now();
-    const pid_t child = start(command, input, output);
     int status = 0;
     rusage usage = {};
-    while (wait4(child, &status, 0, &usage) < 0) {
-        if (errno != EINTR)
-            fail(command[0], strerror(errno), errno);
-    }
-    const Clock::duration wall = Clock::now() - before;
-    if (WIFSIGNALED(status))
-        fail(command[0], "killed by signal", WTERMSIG(status));
-    if (WEXITSTATUS(status) != 0)
-        fail(command[0], "exit status", WEXITSTATUS(status));
-    return {microseconds(usage.ru_utime) + microseconds(usage.ru_stime),
-            std::chrono::duration_cast<std::chrono::microseconds>(wall).count(), usage.ru_maxrss};
+    if (errno || wait4(child, &status, 0, &usage) < 0)
+        err(1, "%s", command[0]);
+    if (status != 0)
+        errx(1, "%s: wait status %#x", command[0], unsigned(status));
+    return usage;
 }
 
 }  // namespace
 
 int main(int argc, char **argv)
 {
+    using Clock = std::chrono::steady_clock;
     const int count = argc < 5 ? 0 : atoi(argv[1]);
-    if (count < 1) {
-        fprintf(stderr, "measure: COUNT STDIN STDOUT PROGRAM [ARGUMENT ...]\n");
-        return 2;
-    }
-    Cost sum;
+    if (count < 1)
+        errx(2, "COUNT STDIN STDOUT PROGRAM [ARGUMENT ...]");
+    double cpu = 0;
+    long peak = 0;
+    const Clock::time_point before = Clock::now();
     for (int i = 0; i < count; ++i) {
-        const Cost cost = run(argv + 4, argv[2], argv[3]);
-        sum.cpuMicroseconds += cost.cpuMicroseconds;
-        sum.wallMicroseconds += cost.wallMicroseconds;
-        if (sum.peakKiB < cost.peakKiB)
-            sum.peakKiB = cost.peakKiB;
+        const rusage usage = run(argv + 4, argv[2], argv[3]);
+        cpu += microseconds(usage.ru_utime) + microseconds(usage.ru_stime);
+        peak = std::max(peak, usage.ru_maxrss);
     }
-    printf("%.1f %.1f %ld\n", double(sum.cpuMicroseconds) / count,
-           double(sum.wallMicroseconds) / count, sum.peakKiB);
+    const std::chrono::duration<double, std::micro> wall = Clock::now() - before;
+    printf("%.1f %.1f %ld\n", cpu / count, wall.count() / count, peak);
     return 0;
 }

@@ -1,37 +1,39 @@
 """Running programs and comparing what they made."""
 
-import filecmp
 import hashlib
 import os
 import re
+import shutil
 import statistics
 import subprocess
 from dataclasses import dataclass
 from pathlib import Path
+from typing import NamedTuple
 
-from workload import OUTPUT, Documents, Peer
+from documents import Documents
+from tools import TOOLS
 
-START_TAG = re.compile(rb"<([A-Za-z][^<>]*?)\s*/?>")
+# A start tag, or the "/" of an end tag.
+TAG = re.compile(rb"<(?:([A-Za-z][^<>]*?)\s*|(/)[^<>]*)>")
 
 
-@dataclass
-class Cost:
-    cpu: float  # user plus system time, seconds
-    wall: float  # seconds
-    peak: int  # bytes
+class Cost(NamedTuple):
+    cpu: float  # user plus system time, ms
+    wall: float  # ms
+    peak: float  # of the resident set, MB
 
 
 @dataclass
 class Program:
-    """A peer, or ours, over one set of documents."""
+    """A tool over one set of documents."""
 
-    peer: Peer
+    name: str
     documents: Documents
-    runs: int = 1
+    runs: int
 
     @property
     def output(self) -> Path:
-        return self.documents.directory / f"{self.peer.name}.out"
+        return self.documents.directory / f"{self.name}.out"
 
 
 class Failure(Exception):
@@ -39,28 +41,32 @@ class Failure(Exception):
 
 
 class Runner:
-    def __init__(self, tools: Path, xmlpp: Path):
-        self.tools = tools
-        self.xmlpp = xmlpp
+    def __init__(self, peers: Path):
+        self.peers = peers
         # Nothing of the caller's: its locale and settings would be measured too.
-        self.environment = {"PATH": f"{tools}:{os.environ['PATH']}", "LC_ALL": "C"}
+        self.environment = {"PATH": f"{peers}:{os.environ['PATH']}", "LC_ALL": "C"}
+
+    def install(self, program: Path, name: str) -> None:
+        """A copy is measured: a file as the linker leaves it takes longer to start."""
+        shutil.copy(program, self.peers / name)
 
     def run(self, program: Program) -> Cost:
         """The mean cost of as many runs as the program asks for."""
-        peer = program.peer
+        tool = TOOLS[program.name]
+        output = program.output.name
+        command = [part.format(out=output, peers=self.peers, bench=Path(__file__).parent)
+                   for part in tool.command]
         # Whatever is checked afterwards comes from this run.
         program.output.unlink(missing_ok=True)
-        output = program.output.name
-        command = [part.format(xmlpp=self.xmlpp, out=output) for part in peer.command]
-        stdout = "/dev/null" if OUTPUT in peer.command else output
+        stdout = "/dev/null" if "{out}" in tool.command else output
         done = subprocess.run(
-            [self.tools / "measure", str(program.runs), peer.stdin, stdout, *command],
-            cwd=program.documents.directory, env=self.environment | peer.environment,
+            [self.peers / "measure", str(program.runs), tool.stdin, stdout, *command],
+            cwd=program.documents.directory, env=self.environment | tool.environment,
             capture_output=True, text=True)
         if done.returncode != 0:
-            raise Failure(f"{peer.name}: {done.stderr.strip()[:500]}")
+            raise Failure(f"{program.name}: {done.stderr.strip()[:500]}")
         cpu, wall, peak = done.stdout.split()
-        return Cost(float(cpu) / 1e6, float(wall) / 1e6, int(peak) * 1024)
+        return Cost(float(cpu) / 1e3, float(wall) / 1e3, int(peak) * 1024 / 1e6)
 
     def alternately(self, programs: list[Program], rounds: int) -> list[Cost]:
         """The median cost of each. The programs take turns, so that what else the machine
@@ -71,44 +77,24 @@ class Runner:
         for _ in range(rounds):
             for program, costs in zip(programs, taken):
                 costs.append(self.run(program))
-        return [median(costs) for costs in taken]
+        return [Cost(*map(statistics.median, zip(*costs))) for costs in taken]
 
 
-def median(costs: list[Cost]) -> Cost:
-    return Cost(statistics.median(cost.cpu for cost in costs),
-                statistics.median(cost.wall for cost in costs),
-                int(statistics.median(cost.peak for cost in costs)))
-
-
-@dataclass
-class Made:
-    """The elements of an output: how many, and a digest of all names, attributes and values in
-    document order. White space, and how an empty element ends, are no part of it."""
-
-    elements: int
-    digest: str
-
-
-def made(output: Path) -> Made:
-    tags = START_TAG.findall(output.read_bytes())
-    return Made(len(tags), hashlib.sha256(b"\n".join(tags)).hexdigest())
+def made(output: Path) -> tuple[int, str]:
+    """How many elements an output has, and a digest of their nesting and of all names,
+    attributes and values. White space, and how an empty element ends, are no part of it."""
+    tags = TAG.findall(output.read_bytes().replace(b"/>", b"></>"))
+    lines = b"\n".join(start or end for start, end in tags)
+    return sum(1 for start, _ in tags if start), hashlib.sha256(lines).hexdigest()
 
 
 def check(programs: list[Program]) -> None:
-    """Every program must have made the expected number of elements, with the same attribute
-    values as ours, which is the first."""
-    ours = made(programs[0].output)
+    """Every program must have made as many elements as expected, and the same as the first."""
+    first = made(programs[0].output)
     for program in programs:
-        if not program.peer.makes_elements:
-            continue
-        theirs = made(program.output) if program is not programs[0] else ours
-        expected = program.documents.elements
-        if theirs.elements != expected:
-            raise Failure(f"{program.output}: {theirs.elements} elements instead of {expected}")
-        if theirs.digest != ours.digest:
-            raise Failure(f"{program.output}: names or values differ from {programs[0].output}")
-
-
-def check_copy(source: Path, copy: Path) -> None:
-    if not filecmp.cmp(source, copy, shallow=False):
-        raise Failure(f"{copy}: differs from {source}")
+        elements, digest = made(program.output) if TOOLS[program.name].makes else first
+        if elements != program.documents.elements:
+            raise Failure(f"{program.output}: {elements} elements, not "
+                          f"{program.documents.elements}")
+        if digest != first[1]:
+            raise Failure(f"{program.output}: differs from {programs[0].output}")
