@@ -19,12 +19,12 @@ std::string outcomeOf(ExpressionParser *parser, const std::string &text, Value *
     std::string words;
     try {
         if (const auto root = parser->parse(text.c_str()); root && canDump)
-            words = root->dump().toStdString();
+            words = root->dump();
         *value = parser->evaluate(text.c_str());
-        return words + ' ' + describe(*value) + toString(*value, 16, true).toStdString();
+        return words + ' ' + describe(*value) + toString(*value, 16, true);
     } catch (const ParserException &error) {
         *value = {};
-        return words + " ! " + error.message().toStdString();
+        return words + " ! " + error.message();
     }
 }
 

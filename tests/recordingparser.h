@@ -1,5 +1,6 @@
 #pragma once
 
+#include "resolution.h"
 #include "simpleexpressionparser.h"
 #include "types.h"
 #include "valueformat.h"
@@ -8,17 +9,20 @@
 
 using Value = ExpressionValue;
 
-/// The kind's letter, the size and the text of a value: "s8 7" is a signed 7 of 8 bytes.
+/// The type and the text of a value: "int64 7", "uint16 7", "float64 0.5", "bool true", "string a".
 inline std::string describe(const Value &value)
 {
-    const std::string text = toString(value).toStdString();
-    return "bsutofv"[value.kind] + std::to_string(value.size) + (text.empty() ? "" : " ") + text;
+    static constexpr const char *names[] = {"bool",   "int",   "uint", "string",
+                                            "object", "float", "void"};
+    const std::string text = toString(value);
+    return names[value.kind] + (value.size ? std::to_string(value.size * 8) : "") +
+           (text.empty() ? "" : " ") + text;
 }
 
 class Variable : public ExpressionObject
 {
 public:
-    QString text() override { return QStringLiteral("a variable"); }
+    std::string text() override { return "a variable"; }
     Value value() override { return current; }
     Value current;
 };
@@ -28,18 +32,18 @@ public:
 class RecordingParser : public SimpleExpressionParser
 {
 public:
-    ExpressionObject *lookupSymbol(const char *name) override
+    ExpressionObject *lookupSymbol(const char *name) override { return variable(name); }
+    ExpressionObject *lookupScopedSymbol(const std::vector<std::string> &parts) override
     {
-        return variable(QLatin1StringView(name));
+        return variable(joined(parts));
     }
-    ExpressionObject *lookupScopedSymbol(const QStringList &parts) override
+    ExpressionObject *lookupRegister(const std::string &name) override
     {
-        return variable(QStringLiteral("::") + parts.join(u'/'));
+        return variable("@" + name);
     }
-    ExpressionObject *lookupRegister(const QString &name) override { return variable(u'%' + name); }
-    bool isTypeName(const QString &name) override
+    bool isTypeName(const std::string &name) override
     {
-        return name == QStringLiteral("size_t") || name == QStringLiteral("struct point");
+        return name == "size_t" || name == "struct point";
     }
     Value castValue(const BaseType &type, const Value &value) override
     {
@@ -47,35 +51,36 @@ public:
         if (dynamic_cast<const UserType *>(&type))
             return Value::fromDouble(value.toDouble(), 4);
         if (!simple)
-            return noted("cast " + type.name().toStdString() + " " + describe(value), value);
-        const qint32 size = 1 << simple->code;
-        return simple->isUnsigned ? Value::fromUInt64(value.payload, size)
-                                  : Value::fromInt64(static_cast<qint64>(value.payload), size);
+            return noted("cast " + type.name(), value);
+        const std::int32_t size = 1 << simple->code;
+        return simple->isUnsigned
+                   ? Value::fromUInt64(value.payload, size)
+                   : Value::fromInt64(static_cast<std::int64_t>(value.payload), size);
     }
-    Value dereferenceValue(ExpressionObject *base, qint32 index) override
+    Value dereferenceValue(ExpressionObject *base, std::int32_t index) override
     {
         return noted("index " + std::to_string(index), Value::fromObject(base));
     }
-    Value memberValue(const Value &value, const QString &name) override
+    Value memberValue(const Value &value, const std::string &name) override
     {
-        return noted("member " + name.toStdString(), value);
+        return noted("member " + name, value);
     }
-    Value scopedMemberValue(const Value &value, const QStringList &parts) override
+    Value scopedMemberValue(const Value &value, const std::vector<std::string> &parts) override
     {
-        return noted("member " + parts.join(u'/').toStdString(), value);
+        return noted("member " + joined(parts), value);
     }
     void assignValue(ExpressionObject *target, const Value &value) override
     {
-        static_cast<Variable *>(target)->current = noted(":= " + describe(value), value);
+        static_cast<Variable *>(target)->current = noted("set " + describe(value), value);
     }
     Value objectValue(ExpressionObject *object) override { return object->value(); }
 
     std::string notes;
 
 private:
-    Variable *variable(const QString &name)
+    Variable *variable(const std::string &name)
     {
-        noted(name.toStdString(), {});
+        noted(name, {});
         return &variables[name];
     }
     Value noted(const std::string &what, const Value &value)
@@ -83,5 +88,5 @@ private:
         notes += what + "; ";
         return value;
     }
-    std::map<QString, Variable> variables;
+    std::map<std::string, Variable> variables;
 };

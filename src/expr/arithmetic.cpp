@@ -2,106 +2,176 @@
 
 #include "parserexception.h"
 
+#include <bit>
+#include <cassert>
 #include <compare>
 #include <functional>
-
-using namespace Qt::StringLiterals;
+#include <iterator>
 
 namespace
 {
 
-/// An operator in each kind of left value; null where that kind has none.
-struct Arithmetic {
-    qint64 (*onSigned)(qint64, qint64);
-    quint64 (*onUnsigned)(quint64, quint64);
-    double (*onFloating)(double, double);
-    bool (*onBoolean)(int, int);
-    bool divides = false;      ///< a converted right value of zero is an error
-    bool needsNumber = false;  ///< so is a right value of a kind that is no number
-};
+constexpr const char *unsupportedNumeric = "unsupported binary numeric operation";
+constexpr const char *unsupportedUnary = "unsupported unary num operation";
 
-// Signed values are computed as unsigned ones, which wrap, wherever the bits come out the same.
-template <template <typename> class Operation>
-constexpr Arithmetic onIntegers = {
-    .onSigned =
-        [](qint64 left, qint64 right) {
-            return static_cast<qint64>(
-                Operation<quint64>()(static_cast<quint64>(left), static_cast<quint64>(right)));
-        },
-    .onUnsigned = [](quint64 left, quint64 right) -> quint64 {
-        return Operation<quint64>()(left, right);
-    },
-    .onFloating = nullptr,
-    .onBoolean = [](int left, int right) { return Operation<int>()(left, right) != 0; },
-};
+PlainValue booleanOf(bool value)
+{
+    return {PlainValue::Boolean, 0, value ? 1U : 0U};
+}
 
-template <template <typename> class Operation>
-constexpr Arithmetic onNumbers = {
-    .onSigned = onIntegers<Operation>.onSigned,
-    .onUnsigned = onIntegers<Operation>.onUnsigned,
-    .onFloating = [](double left, double right) { return Operation<double>()(left, right); },
-    .onBoolean = onIntegers<Operation>.onBoolean,
-};
+bool isInteger(const PlainValue &value)
+{
+    return value.kind == PlainValue::Signed || value.kind == PlainValue::Unsigned;
+}
+
+// The operators with two operands. The left payload takes part whole, whatever its size. Signed
+// values are computed as unsigned ones, which wrap, wherever the bits come out the same.
+
+template <typename Operation>
+const char *onIntegers(PlainValue *left, const PlainValue &right)
+{
+    if (left->isBoolean())
+        *left = booleanOf(Operation()(int{left->firstByte()}, int{right.firstByte()}) != 0);
+    else if (left->kind == PlainValue::Signed)
+        left->payload = Operation()(left->payload, static_cast<std::uint64_t>(right.toInt64()));
+    else if (left->kind == PlainValue::Unsigned)
+        left->payload = Operation()(left->payload, right.toUInt64());
+    else
+        return unsupportedNumeric;
+    return nullptr;
+}
+
+template <typename Operation>
+const char *onNumbers(PlainValue *left, const PlainValue &right)
+{
+    if (left->kind != PlainValue::Floating)
+        return onIntegers<Operation>(left, right);
+    left->payload = std::bit_cast<std::uint64_t>(Operation()(left->toDouble(), right.toDouble()));
+    return nullptr;
+}
 
 // Dividing the least integer by -1 leaves the 64 bits, where negating wraps.
-qint64 quotient(qint64 left, qint64 right)
-{
-    return right == -1 ? static_cast<qint64>(0 - static_cast<quint64>(left)) : left / right;
-}
-
-qint64 remainder(qint64 left, qint64 right)
-{
-    return right == -1 ? 0 : left % right;
-}
-
-constexpr Arithmetic division = {
-    .onSigned = quotient,
-    .onUnsigned = onNumbers<std::divides>.onUnsigned,
-    .onFloating = onNumbers<std::divides>.onFloating,
-    .onBoolean = onNumbers<std::divides>.onBoolean,
-    .divides = true,
-    .needsNumber = true,
+struct Quotient {
+    double operator()(double left, double right) const { return left / right; }
+    std::uint64_t operator()(std::uint64_t left, std::uint64_t right) const { return left / right; }
+    std::int64_t operator()(std::int64_t left, std::int64_t right) const
+    {
+        return right == -1 ? static_cast<std::int64_t>(0 - static_cast<std::uint64_t>(left))
+                           : left / right;
+    }
 };
 
-constexpr Arithmetic modulo = {
-    .onSigned = remainder,
-    .onUnsigned = onIntegers<std::modulus>.onUnsigned,
-    .onFloating = nullptr,
-    .onBoolean = onIntegers<std::modulus>.onBoolean,
-    .divides = true,
+struct Remainder {
+    std::uint64_t operator()(std::uint64_t left, std::uint64_t right) const { return left % right; }
+    std::int64_t operator()(std::int64_t left, std::int64_t right) const
+    {
+        return right == -1 ? 0 : left % right;
+    }
 };
 
-using Ordering = std::strong_ordering;
-using enum BinaryOperator;
+/// The payload of \a left once it is divided; the divisor is zero or not as it is converted.
+template <typename Operation, typename Number>
+const char *divideBy(Number divisor, PlainValue *left)
+{
+    if (divisor == 0)
+        return "divide by zero";
+    left->payload =
+        std::bit_cast<std::uint64_t>(Operation()(std::bit_cast<Number>(left->payload), divisor));
+    return nullptr;
+}
 
-/// A row has either what the operator computes or which orderings of its operands make it true;
-/// the shifts, whose operands are not converted, have neither.
+template <typename Operation>
+const char *onDivisors(PlainValue *left, const PlainValue &right)
+{
+    if (left->kind == PlainValue::Signed)
+        return divideBy<Operation>(right.toInt64(), left);
+    if (left->kind == PlainValue::Unsigned)
+        return divideBy<Operation>(right.toUInt64(), left);
+    if (!left->isBoolean())
+        return unsupportedNumeric;
+    left->payload = left->firstByte();
+    const char *failure = divideBy<Operation>(std::uint64_t{right.firstByte()}, left);
+    *left = booleanOf(left->payload != 0);
+    return failure;
+}
+
+const char *divide(PlainValue *left, const PlainValue &right)
+{
+    if (!right.isNumeric() && !right.isBoolean())
+        return unsupportedNumeric;
+    return left->kind == PlainValue::Floating ? divideBy<Quotient>(right.toDouble(), left)
+                                              : onDivisors<Quotient>(left, right);
+}
+
+template <typename Comparison>
+const char *compare(PlainValue *left, const PlainValue &right)
+{
+    const Comparison holds;
+    if (left->kind == PlainValue::Signed)
+        *left = booleanOf(holds(static_cast<std::int64_t>(left->payload), right.toInt64()));
+    else if (left->kind == PlainValue::Unsigned)
+        *left = booleanOf(holds(left->payload, right.toUInt64()));
+    else if (left->isBoolean())
+        *left = booleanOf(holds(left->firstByte(), right.firstByte()));
+    else
+        return "unsupported comparison operation";
+    return nullptr;
+}
+
+const char *checkShift(const PlainValue &left, const PlainValue &right)
+{
+    if (right.kind != PlainValue::Signed)
+        return "integer shift value expected";
+    return isInteger(left) ? nullptr : "can only shift numeric values";
+}
+
+const char *shiftLeft(PlainValue *left, const PlainValue &right)
+{
+    if (const char *failure = checkShift(*left, right))
+        return failure;
+    left->payload <<= right.toInt64() & 63;
+    return nullptr;
+}
+
+const char *shiftRight(PlainValue *left, const PlainValue &right)
+{
+    if (const char *failure = checkShift(*left, right))
+        return failure;
+    const std::int64_t count = right.toInt64() & 63;
+    left->payload =
+        left->kind == PlainValue::Unsigned
+            ? left->payload >> count
+            : std::bit_cast<std::uint64_t>(static_cast<std::int64_t>(left->payload) >> count);
+    return nullptr;
+}
+
 struct Operator {
     BinaryOperator binaryOperator;
-    QLatin1StringView name;
-    const Arithmetic *arithmetic = nullptr;
-    bool (*accepts)(Ordering) = nullptr;
+    const char *name;
+    const char *(*apply)(PlainValue *left, const PlainValue &right);
 };
 
+using enum BinaryOperator;
+
 constexpr Operator operators[] = {
-    {Lt, "LtExpression"_L1, nullptr, [](Ordering order) { return std::is_lt(order); }},
-    {Le, "LeExpression"_L1, nullptr, [](Ordering order) { return std::is_lteq(order); }},
-    {Gt, "GtExpression"_L1, nullptr, [](Ordering order) { return std::is_gt(order); }},
-    {Ge, "GeExpression"_L1, nullptr, [](Ordering order) { return std::is_gteq(order); }},
-    {Eq, "EqExpression"_L1, nullptr, [](Ordering order) { return std::is_eq(order); }},
-    {Ne, "NeExpression"_L1, nullptr, [](Ordering order) { return std::is_neq(order); }},
-    {LogicalAnd, "LogicalAndExpression"_L1, &onIntegers<std::logical_and>},
-    {LogicalOr, "LogicalOrExpression"_L1, &onIntegers<std::logical_or>},
-    {Plus, "PlusExpression"_L1, &onNumbers<std::plus>},
-    {Minus, "MinusExpression"_L1, &onNumbers<std::minus>},
-    {Multiply, "MultiplyExpression"_L1, &onNumbers<std::multiplies>},
-    {Divide, "DivideExpression"_L1, &division},
-    {Mod, "ModExpression"_L1, &modulo},
-    {Rshift, "RshiftExpression"_L1},
-    {Lshift, "LshiftExpression"_L1},
-    {BitAnd, "BitAndExpression"_L1, &onIntegers<std::bit_and>},
-    {BitXor, "BitXorExpression"_L1, &onIntegers<std::bit_xor>},
-    {BitOr, "BitOrExpression"_L1, &onIntegers<std::bit_or>},
+    {Lt, "LtExpression", compare<std::less<>>},
+    {Le, "LeExpression", compare<std::less_equal<>>},
+    {Gt, "GtExpression", compare<std::greater<>>},
+    {Ge, "GeExpression", compare<std::greater_equal<>>},
+    {Eq, "EqExpression", compare<std::equal_to<>>},
+    {Ne, "NeExpression", compare<std::not_equal_to<>>},
+    {LogicalAnd, "LogicalAndExpression", onIntegers<std::logical_and<>>},
+    {LogicalOr, "LogicalOrExpression", onIntegers<std::logical_or<>>},
+    {Plus, "PlusExpression", onNumbers<std::plus<>>},
+    {Minus, "MinusExpression", onNumbers<std::minus<>>},
+    {Multiply, "MultiplyExpression", onNumbers<std::multiplies<>>},
+    {Divide, "DivideExpression", divide},
+    {Mod, "ModExpression", onDivisors<Remainder>},
+    {Rshift, "RshiftExpression", shiftRight},
+    {Lshift, "LshiftExpression", shiftLeft},
+    {BitAnd, "BitAndExpression", onIntegers<std::bit_and<>>},
+    {BitXor, "BitXorExpression", onIntegers<std::bit_xor<>>},
+    {BitOr, "BitOrExpression", onIntegers<std::bit_or<>>},
 };
 
 constexpr bool rowsAreInOrder()
@@ -117,99 +187,102 @@ static_assert(rowsAreInOrder(), "a row is found by its operator");
 
 const Operator &rowOf(BinaryOperator binaryOperator)
 {
+    assert(static_cast<std::size_t>(binaryOperator) < std::size(operators));
     return operators[static_cast<std::size_t>(binaryOperator)];
 }
 
-template <typename Number>
-Number checkedDivisor(const Arithmetic &arithmetic, Number right)
+const char *negate(PlainValue *operand)
 {
-    if (arithmetic.divides && right == 0)
-        throw ParserException("divide by zero"_L1);
-    return right;
-}
-
-ExpressionValue compute(const Arithmetic &arithmetic, const ExpressionValue &left,
-                        const ExpressionValue &right)
-{
-    const bool accepted = !arithmetic.needsNumber || right.isNumeric() || right.isBoolean();
-    // The left payload takes part whole, whatever its size.
-    switch (accepted ? left.kind : ExpressionValue::Void) {
-    case ExpressionValue::Signed: {
-        const qint64 operand = checkedDivisor(arithmetic, right.toInt64());
-        const qint64 result = arithmetic.onSigned(static_cast<qint64>(left.payload), operand);
-        return ExpressionValue::fromInt64(result, left.size);
-    }
-    case ExpressionValue::Unsigned: {
-        const quint64 operand = checkedDivisor(arithmetic, right.toUInt64());
-        return ExpressionValue::fromUInt64(arithmetic.onUnsigned(left.payload, operand), left.size);
-    }
-    case ExpressionValue::Floating: {
-        if (!arithmetic.onFloating)
-            break;
-        const double operand = checkedDivisor(arithmetic, right.toDouble());
-        const double result = arithmetic.onFloating(left.toDouble(), operand);
-        return ExpressionValue::fromDouble(result, left.size);
-    }
-    case ExpressionValue::Boolean: {
-        const int operand = checkedDivisor<int>(arithmetic, right.firstByte());
-        return ExpressionValue::fromBool(arithmetic.onBoolean(left.firstByte(), operand));
-    }
-    default:
-        break;
-    }
-    throw ParserException("unsupported binary numeric operation"_L1);
-}
-
-Ordering compare(const ExpressionValue &left, const ExpressionValue &right)
-{
-    switch (left.kind) {
-    case ExpressionValue::Signed:
-        return static_cast<qint64>(left.payload) <=> right.toInt64();
-    case ExpressionValue::Unsigned:
-        return left.payload <=> right.toUInt64();
-    case ExpressionValue::String:
-        return left.text.compare(right.text) <=> 0;
-    case ExpressionValue::Boolean:
-        return left.firstByte() <=> right.firstByte();
-    default:
-        throw ParserException("unsupported comparison operation"_L1);
-    }
-}
-
-ExpressionValue shift(bool toTheLeft, const ExpressionValue &left, const ExpressionValue &right)
-{
-    if (right.kind != ExpressionValue::Signed)
-        throw ParserException("integer shift value expected"_L1);
-    const auto count = static_cast<int>(right.toInt64() & 63);
-    if (left.kind != ExpressionValue::Signed && left.kind != ExpressionValue::Unsigned)
-        throw ParserException("can only shift numeric values"_L1);
-    ExpressionValue result = left;
-    result.bitWidth = 0;
-    if (toTheLeft)
-        result.payload = left.payload << count;
-    else if (left.kind == ExpressionValue::Unsigned)
-        result.payload = left.payload >> count;
+    if (isInteger(*operand))
+        operand->payload = 0 - operand->payload;
+    else if (operand->isBoolean())
+        *operand = {PlainValue::Signed, operand->size, operand->toBool() ? ~0ULL : 0ULL};
+    else if (operand->kind == PlainValue::Floating)
+        operand->payload ^= 1ULL << 63;  // the sign bit alone, of a NaN too
     else
-        result.payload = static_cast<quint64>(static_cast<qint64>(left.payload) >> count);
-    return result;
+        return unsupportedUnary;
+    return nullptr;
+}
+
+const char *logicalNot(PlainValue *operand)
+{
+    if (isInteger(*operand))
+        *operand = booleanOf(operand->payload == 0);
+    else if (operand->isBoolean())
+        *operand = booleanOf(!operand->toBool());
+    else if (operand->kind == PlainValue::Floating)
+        *operand = booleanOf(operand->toDouble() == 0.0);
+    else
+        return unsupportedUnary;
+    return nullptr;
+}
+
+const char *bitNot(PlainValue *operand)
+{
+    if (!isInteger(*operand))
+        return unsupportedUnary;
+    operand->payload = ~operand->payload;
+    return nullptr;
+}
+
+/// The plain part of \a value, which an operator has computed; throws \a failure if there is one.
+ExpressionValue result(const PlainValue &value, const char *failure)
+{
+    if (failure)
+        throw ParserException(failure);
+    return ExpressionValue(value);
 }
 
 }  // namespace
+
+const char *apply(UnaryOperator unaryOperator, PlainValue *operand)
+{
+    switch (unaryOperator) {
+    case UnaryOperator::Negate:
+        return negate(operand);
+    case UnaryOperator::LogicalNot:
+        return logicalNot(operand);
+    case UnaryOperator::BitNot:
+        break;
+    }
+    return bitNot(operand);
+}
+
+const char *apply(BinaryOperator binaryOperator, PlainValue *left, const PlainValue &right)
+{
+    return rowOf(binaryOperator).apply(left, right);
+}
+
+ExpressionValue applyOperator(UnaryOperator unaryOperator, ExpressionValue operand)
+{
+    operand.resolve();
+    const char *failure = apply(unaryOperator, &operand);
+    return result(operand, failure);
+}
 
 ExpressionValue applyOperator(BinaryOperator binaryOperator, ExpressionValue &&left,
                               ExpressionValue &&right)
 {
     left.resolve();
     right.resolve();
-    const Operator &row = rowOf(binaryOperator);
-    if (row.arithmetic)
-        return compute(*row.arithmetic, left, right);
-    if (row.accepts)
-        return ExpressionValue::fromBool(row.accepts(compare(left, right)));
-    return shift(binaryOperator == BinaryOperator::Lshift, left, right);
+    if (binaryOperator <= Ne && left.kind == PlainValue::String) {
+        // Texts compare as the number that says which is greater does with zero.
+        const int order = left.text.compare(right.text);
+        left = ExpressionValue::fromInt64(order);
+        right = ExpressionValue::fromInt64(0);
+    }
+    const char *failure = apply(binaryOperator, &left, right);
+    return result(left, failure);
 }
 
-QLatin1StringView operatorName(BinaryOperator binaryOperator)
+const char *operatorName(UnaryOperator unaryOperator)
+{
+    static constexpr const char *names[] = {"NegateExpression", "LogicalNotExpression",
+                                            "BitNotExpression"};
+    return names[static_cast<std::size_t>(unaryOperator)];
+}
+
+const char *operatorName(BinaryOperator binaryOperator)
 {
     return rowOf(binaryOperator).name;
 }

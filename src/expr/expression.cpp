@@ -3,11 +3,10 @@
 #include "valueformat.h"
 
 #include <algorithm>
+#include <cassert>
 #include <new>
 #include <utility>
 #include <vector>
-
-using namespace Qt::StringLiterals;
 
 namespace
 {
@@ -34,6 +33,14 @@ struct SpareNode {
 constinit thread_local SpareNode *spares = nullptr;
 constinit thread_local std::size_t spareCount = 0;
 
+int heightOf(Expression *left, const Expression *right, bool computes)
+{
+    assert(left && right);
+    const BinaryExpression *chain = left->asBinary();
+    const bool leans = computes && chain && chain->binaryOperator;
+    return 1 + std::max(left->height() - (leans ? 1 : 0), right->height());
+}
+
 }  // namespace
 
 void *Expression::operator new(std::size_t size)
@@ -54,18 +61,20 @@ void Expression::operator delete(void *node, std::size_t size)
     spares = new (node) SpareNode{spares};
 }
 
-QString Expression::dumped() const
+std::string TreeExpression::dump() const
 {
-    QString text;
+    std::string text;
     dumpTo(text);
     return text;
 }
 
-BinaryExpression::BinaryExpression(int height, std::unique_ptr<Expression> &leftOperand,
-                                   std::unique_ptr<Expression> &rightOperand)
-    : Expression(height),
+BinaryExpression::BinaryExpression(std::unique_ptr<Expression> leftOperand,
+                                   std::unique_ptr<Expression> rightOperand,
+                                   std::optional<BinaryOperator> computes)
+    : TreeExpression(heightOf(leftOperand.get(), rightOperand.get(), computes.has_value())),
       left(std::move(leftOperand)),
-      right(std::move(rightOperand))
+      right(std::move(rightOperand)),
+      binaryOperator(computes)
 {
 }
 
@@ -77,41 +86,41 @@ BinaryExpression::~BinaryExpression()
         node = std::move(binary->left);
 }
 
-void BinaryExpression::dumpTo(QString &text) const
+void BinaryExpression::dumpTo(std::string &text) const
 {
     std::vector<const BinaryExpression *> chain;
     const Expression *innermost = this;
     for (const BinaryExpression *node = this; node; node = node->left->asBinary()) {
         text += node->dumpName();
-        text += u'(';
+        text += '(';
         chain.push_back(node);
         innermost = node->left.get();
     }
     innermost->dumpTo(text);
     for (; !chain.empty(); chain.pop_back()) {
-        text += u',';
+        text += ',';
         chain.back()->right->dumpTo(text);
-        text += u')';
+        text += ')';
     }
 }
 
 UnaryExpression::UnaryExpression(std::unique_ptr<Expression> operandNode)
-    : Expression(operandNode->height() + 1),
+    : TreeExpression(operandNode->height() + 1),
       operand(std::move(operandNode))
 {
 }
 
-void UnaryExpression::dumpTo(QString &text) const
+void UnaryExpression::dumpTo(std::string &text) const
 {
     text += dumpName();
-    text += u'(';
+    text += '(';
     operand->dumpTo(text);
-    text += u')';
+    text += ')';
 }
 
-void ConstantExpression::dumpTo(QString &text) const
+void ConstantExpression::dumpTo(std::string &text) const
 {
-    text += "Constant("_L1;
+    text += "Constant(";
     text += toString(value);
-    text += u')';
+    text += ')';
 }

@@ -4,24 +4,28 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 
 class BinaryExpression;
 enum class BinaryOperator;
 
 /// A node of the tree that a parser makes of an expression. It owns its children; a node that asks
 /// a parser for something only points to that parser, which must live as long as the node is
-/// evaluated. A node does not change once it is made. Evaluating throws ParserException where the
-/// expression has no value; dumping and releasing do not fail.
+/// evaluated. A node does not change once it is made, and none of its children is null. Evaluating
+/// throws ParserException where the expression has no value; dumping and releasing do not fail.
+///
+/// A class of nodes needs evaluate() and dump(), and a height where it has children.
 class Expression
 {
 public:
     virtual ExpressionValue evaluate() const = 0;
     /// The tree as one line of text, in the notation of calls: "PlusExpression(Constant(1),...)".
-    virtual QString dump() const = 0;
+    virtual std::string dump() const = 0;
     virtual ~Expression() = default;
 
-    /// Appends what dump() returns, so that a whole tree is written in one pass.
-    virtual void dumpTo(QString &text) const = 0;
+    /// Appends what dump() returns. Nodes with children write them in here, so that a whole tree is
+    /// written in one pass.
+    virtual void dumpTo(std::string &text) const { text += dump(); }
     /// This node if it has two operands, else null.
     virtual BinaryExpression *asBinary() { return nullptr; }
 
@@ -33,67 +37,70 @@ public:
     static void operator delete(void *node, std::size_t size);
 
     Expression(const Expression &) = delete;
-    Expression(Expression &&) = delete;
     Expression &operator=(const Expression &) = delete;
-    Expression &operator=(Expression &&) = delete;
 
 protected:
-    explicit Expression(int height) : levels(height) {}
-    QString dumped() const;
+    /// \a height is one more than that of the highest child.
+    explicit Expression(int height = 1) : levels(height) {}
 
 private:
     int levels;
 };
 
-/// A node with two operands. A long chain such as 1+1+1+... is a tree that leans to the left as far
-/// as the text is long, so whatever visits a tree descends through left operands without recursion.
-class BinaryExpression : public Expression
+/// What the nodes below have in common: dump() follows from dumpTo().
+class TreeExpression : public Expression
 {
 public:
-    QString dump() const override { return dumped(); }
+    std::string dump() const override;
+    void dumpTo(std::string &text) const override = 0;
+
+protected:
+    using Expression::Expression;
+};
+
+/// A node with two operands. A long chain such as 1+1+1+... is a tree that leans to the left as far
+/// as the text is long, so whatever visits a tree descends through left operands without recursion.
+class BinaryExpression : public TreeExpression
+{
+public:
+    /// \a computes is what the node computes, if evaluating it means to compute with both values.
+    /// A left operand that is such a node itself then adds nothing to the height.
+    BinaryExpression(std::unique_ptr<Expression> leftOperand,
+                     std::unique_ptr<Expression> rightOperand,
+                     std::optional<BinaryOperator> computes = std::nullopt);
     ~BinaryExpression() override;
-    void dumpTo(QString &text) const override;
+    void dumpTo(std::string &text) const override;
     BinaryExpression *asBinary() override { return this; }
-    /// What the node computes, if evaluating it means to compute with both values.
-    virtual std::optional<BinaryOperator> binaryOperator() const { return std::nullopt; }
 
     std::unique_ptr<Expression> left;
     std::unique_ptr<Expression> right;
+    const std::optional<BinaryOperator> binaryOperator;
 
 protected:
-    /// Takes both operands. They are references because the height is computed from them first.
-    BinaryExpression(int height, std::unique_ptr<Expression> &leftOperand,
-                     std::unique_ptr<Expression> &rightOperand);
     /// What stands before the operands in a dump.
-    virtual QLatin1StringView dumpName() const = 0;
+    virtual const char *dumpName() const { return ""; }
 };
 
 /// A node with one operand that is evaluated first.
-class UnaryExpression : public Expression
+class UnaryExpression : public TreeExpression
 {
 public:
     explicit UnaryExpression(std::unique_ptr<Expression> operandNode);
-    QString dump() const override { return dumped(); }
-    void dumpTo(QString &text) const override;
+    void dumpTo(std::string &text) const override;
 
     std::unique_ptr<Expression> operand;
 
 protected:
     /// What stands before the operand in a dump.
-    virtual QLatin1StringView dumpName() const = 0;
+    virtual const char *dumpName() const { return ""; }
 };
 
-class ConstantExpression : public Expression
+class ConstantExpression : public TreeExpression
 {
 public:
-    explicit ConstantExpression(ExpressionValue constant)
-        : Expression(1),
-          value(std::move(constant))
-    {
-    }
+    explicit ConstantExpression(ExpressionValue constant) : value(std::move(constant)) {}
     ExpressionValue evaluate() const override { return value; }
-    QString dump() const override { return dumped(); }
-    void dumpTo(QString &text) const override;
+    void dumpTo(std::string &text) const override;
 
     ExpressionValue value;
 };
@@ -102,7 +109,7 @@ public:
 class IntegerConstantExpression : public ConstantExpression
 {
 public:
-    explicit IntegerConstantExpression(qint64 constant)
+    explicit IntegerConstantExpression(std::int64_t constant)
         : ConstantExpression(ExpressionValue::fromInt64(constant))
     {
     }
@@ -121,7 +128,7 @@ public:
 class StringConstantExpression : public ConstantExpression
 {
 public:
-    explicit StringConstantExpression(const QString &constant)
+    explicit StringConstantExpression(std::string_view constant)
         : ConstantExpression(ExpressionValue::fromText(constant))
     {
     }
@@ -129,15 +136,16 @@ public:
 
 /// Stands for a node that another one owns, and must not outlive it: in "a += 1" the assignment owns
 /// the target, and the addition refers to it through a node of this class.
-class SharedExpression : public Expression
+class SharedExpression : public TreeExpression
 {
 public:
-    explicit SharedExpression(const Expression &owned) : Expression(owned.height() + 1), node(owned)
+    explicit SharedExpression(const Expression &owned)
+        : TreeExpression(owned.height() + 1),
+          node(owned)
     {
     }
     ExpressionValue evaluate() const override { return node.evaluate(); }
-    QString dump() const override { return node.dump(); }
-    void dumpTo(QString &text) const override { node.dumpTo(text); }
+    void dumpTo(std::string &text) const override { node.dumpTo(text); }
 
 private:
     const Expression &node;

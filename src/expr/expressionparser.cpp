@@ -1,36 +1,12 @@
 #include "expressionparser.h"
 
-#include "parserexception.h"
 #include "treeparser.h"
 
-using namespace Qt::StringLiterals;
-
-ExpressionValue ExpressionParser::addressOfValue(ExpressionObject *)
-{
-    throw ParserException("addressof not implemented"_L1);
-}
-
-ExpressionValue ExpressionParser::sizeOfValue(ExpressionObject *)
-{
-    throw ParserException("sizeof not implemented"_L1);
-}
-
-ExpressionValue ExpressionParser::addressOfLine(const QString &, qint64)
-{
-    throw ParserException("addressof not implemented"_L1);
-}
-
-ExpressionValue ExpressionParser::callFunction(const ExpressionValue &,
-                                               const QList<ExpressionValue> &)
-{
-    throw ParserException("function calling not implemented"_L1);
-}
-
-std::unique_ptr<Expression> ExpressionParser::parse(const char *text, qsizetype *position)
+std::unique_ptr<Expression> ExpressionParser::parse(const char *text, std::size_t *position)
 {
     std::unique_ptr<Expression> tree;
     // Not a copy: nothing asks the lexer for its text once the tree is made.
-    lexer.setText(QByteArray::fromRawData(text, static_cast<qsizetype>(qstrlen(text))));
+    lexer.borrowText(text ? text : "");
     if (text && *text)
         tree = TreeParser(lexer, *this).parseExpression();
     if (position)
@@ -38,7 +14,7 @@ std::unique_ptr<Expression> ExpressionParser::parse(const char *text, qsizetype 
     return tree;
 }
 
-ExpressionValue ExpressionParser::evaluate(const char *text, qsizetype *position)
+ExpressionValue ExpressionParser::evaluate(const char *text, std::size_t *position)
 {
     const std::unique_ptr<Expression> tree = parse(text, position);
     return tree ? tree->evaluate() : ExpressionValue();

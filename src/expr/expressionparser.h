@@ -2,11 +2,11 @@
 
 #include "expressionvalue.h"
 #include "lexer.h"
-
-#include <QList>
-#include <QStringList>
+#include "parserexception.h"
 
 #include <memory>
+#include <string>
+#include <vector>
 
 class BaseType;
 class Expression;
@@ -17,45 +17,55 @@ class Expression;
 ///
 /// Text is Latin-1 up to a NUL, and null counts as empty. Reading stops behind the first whole
 /// expression, whatever follows. Time and memory grow with the text, up to bounds past which
-/// reading throws ParserException, see treeparser.h. One thread at a time.
+/// reading throws ParserException, see reading.h. One thread at a time.
 class ExpressionParser
 {
 public:
-    virtual ExpressionObject *lookupScopedSymbol(const QStringList &parts) = 0;
+    virtual ExpressionObject *lookupScopedSymbol(const std::vector<std::string> &parts) = 0;
     virtual ExpressionObject *lookupSymbol(const char *name) = 0;
     /// \a name is without the "@".
-    virtual ExpressionObject *lookupRegister(const QString &name) = 0;
+    virtual ExpressionObject *lookupRegister(const std::string &name) = 0;
     /// Asked for names of types and for "struct " followed by a tag.
-    virtual bool isTypeName(const QString &name) = 0;
+    virtual bool isTypeName(const std::string &name) = 0;
     virtual ExpressionValue castValue(const BaseType &type, const ExpressionValue &value) = 0;
-    virtual ExpressionValue dereferenceValue(ExpressionObject *base, qint32 index) = 0;
-    virtual ExpressionValue memberValue(const ExpressionValue &value, const QString &name) = 0;
+    virtual ExpressionValue dereferenceValue(ExpressionObject *base, std::int32_t index) = 0;
+    virtual ExpressionValue memberValue(const ExpressionValue &value, const std::string &name) = 0;
     virtual ExpressionValue scopedMemberValue(const ExpressionValue &value,
-                                              const QStringList &parts) = 0;
-    virtual ExpressionValue addressOfValue(ExpressionObject *object);
-    virtual ExpressionValue sizeOfValue(ExpressionObject *object);
-    virtual ExpressionValue addressOfLine(const QString &fileName, qint64 line);
+                                              const std::vector<std::string> &parts) = 0;
+    virtual ExpressionValue addressOfValue(ExpressionObject *)
+    {
+        throw ParserException("addressof not implemented");
+    }
+    virtual ExpressionValue sizeOfValue(ExpressionObject *)
+    {
+        throw ParserException("sizeof not implemented");
+    }
+    virtual ExpressionValue addressOfLine(const std::string & /*fileName*/, std::int64_t /*line*/)
+    {
+        throw ParserException("addressof not implemented");
+    }
     virtual void assignValue(ExpressionObject *target, const ExpressionValue &value) = 0;
     /// The value of an object where a plain value is needed: an index, an assigned value.
     virtual ExpressionValue objectValue(ExpressionObject *object) = 0;
-    virtual ExpressionValue callFunction(const ExpressionValue &function,
-                                         const QList<ExpressionValue> &arguments);
+    virtual ExpressionValue callFunction(const ExpressionValue & /*function*/,
+                                         const std::vector<ExpressionValue> & /*arguments*/)
+    {
+        throw ParserException("function calling not implemented");
+    }
     virtual ~ExpressionParser() = default;
 
     /// The tree of \a text; null for an empty text. *position receives where reading stopped, the
     /// index behind the last token looked at, unless reading throws. The tree points to this
     /// parser, which must outlive its evaluation.
-    std::unique_ptr<Expression> parse(const char *text, qsizetype *position = nullptr);
+    std::unique_ptr<Expression> parse(const char *text, std::size_t *position = nullptr);
     /// The value of \a text; the void value for an empty text. *position as in parse().
-    ExpressionValue evaluate(const char *text, qsizetype *position = nullptr);
+    ExpressionValue evaluate(const char *text, std::size_t *position = nullptr);
 
     ExpressionParser(const ExpressionParser &) = delete;
-    ExpressionParser(ExpressionParser &&) = delete;
     ExpressionParser &operator=(const ExpressionParser &) = delete;
-    ExpressionParser &operator=(ExpressionParser &&) = delete;
 
 protected:
     ExpressionParser() = default;
 
-    Lexer lexer;  ///< only its position counts once parse() is through
+    Lexer lexer;  ///< only its counts are of use once parse() is through
 };

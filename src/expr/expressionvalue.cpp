@@ -1,6 +1,6 @@
 #include "expressionvalue.h"
 
-#include <bit>
+#include <cassert>
 #include <limits>
 
 static_assert(std::numeric_limits<double>::is_iec559 && std::numeric_limits<float>::is_iec559);
@@ -8,70 +8,43 @@ static_assert(std::numeric_limits<double>::is_iec559 && std::numeric_limits<floa
 namespace
 {
 
-qint64 signExtended(quint64 payload, qint32 size)
+std::int64_t signExtended(std::uint64_t payload, std::int32_t size)
 {
     switch (size) {
     case 1:
-        return static_cast<qint8>(payload);
+        return static_cast<std::int8_t>(payload);
     case 2:
-        return static_cast<qint16>(payload);
+        return static_cast<std::int16_t>(payload);
     case 4:
-        return static_cast<qint32>(payload);
+        return static_cast<std::int32_t>(payload);
     default:
-        return static_cast<qint64>(payload);
+        return static_cast<std::int64_t>(payload);
     }
 }
 
-quint64 zeroExtended(quint64 payload, qint32 size)
+std::uint64_t zeroExtended(std::uint64_t payload, std::int32_t size)
 {
-    switch (size) {
-    case 1:
-        return static_cast<quint8>(payload);
-    case 2:
-        return static_cast<quint16>(payload);
-    case 4:
-        return static_cast<quint32>(payload);
-    default:
-        return payload;
-    }
+    const bool isNarrow = size == 1 || size == 2 || size == 4;
+    return isNarrow ? payload & ((1ULL << (8 * size)) - 1) : payload;
 }
 
-qint64 truncated(double value)
+std::int64_t truncated(double value)
 {
     constexpr double limit = 9223372036854775808.0;  // 2^63
     // Written so that a NaN, for which every comparison is false, is out of range too.
     const bool inRange = value >= -limit && value < limit;
-    return inRange ? static_cast<qint64>(value) : std::numeric_limits<qint64>::min();
+    return inRange ? static_cast<std::int64_t>(value) : std::numeric_limits<std::int64_t>::min();
 }
 
-quint64 bitPattern(double value, qint32 size)
+std::uint64_t bitPattern(double value, std::int32_t size)
 {
-    return size == 4 ? std::bit_cast<quint32>(static_cast<float>(value))
-                     : std::bit_cast<quint64>(value);
+    return size == 4 ? std::bit_cast<std::uint32_t>(static_cast<float>(value))
+                     : std::bit_cast<std::uint64_t>(value);
 }
 
 }  // namespace
 
-ExpressionValue ExpressionValue::fromDouble(double value, qint32 size)
-{
-    return {Floating, size, std::bit_cast<quint64>(value)};
-}
-
-ExpressionValue ExpressionValue::fromText(const QString &text)
-{
-    ExpressionValue value(String, 0, 0);
-    value.text = text;
-    return value;
-}
-
-ExpressionValue ExpressionValue::fromObject(ExpressionObject *object)
-{
-    ExpressionValue value(Object, 0, 0);
-    value.object = ObjectReference(object);
-    return value;
-}
-
-qint64 ExpressionValue::toInt64() const
+std::int64_t PlainValue::toInt64() const
 {
     switch (kind) {
     case Boolean:
@@ -81,12 +54,15 @@ qint64 ExpressionValue::toInt64() const
         return signExtended(payload, size);
     case Floating:
         return truncated(std::bit_cast<double>(payload));
-    default:
-        return 0;
+    case String:
+    case Object:
+    case Void:
+        break;
     }
+    return 0;
 }
 
-quint64 ExpressionValue::toUInt64() const
+std::uint64_t PlainValue::toUInt64() const
 {
     switch (kind) {
     case Boolean:
@@ -96,21 +72,34 @@ quint64 ExpressionValue::toUInt64() const
         return zeroExtended(payload, size);
     case Floating:
         return bitPattern(std::bit_cast<double>(payload), size);
-    default:
-        return 0;
+    case String:
+    case Object:
+    case Void:
+        break;
     }
+    return 0;
 }
 
-double ExpressionValue::toDouble() const
+double PlainValue::toDouble() const
 {
-    switch (kind) {
-    case Floating:
+    if (kind == Floating)
         return std::bit_cast<double>(payload);
-    case Unsigned:
-        return static_cast<double>(toUInt64());
-    default:
-        return static_cast<double>(toInt64());
-    }
+    return kind == Unsigned ? static_cast<double>(toUInt64()) : static_cast<double>(toInt64());
+}
+
+ExpressionValue ExpressionValue::fromText(std::string_view text)
+{
+    ExpressionValue value({String, 0, 0});
+    value.text = text;
+    return value;
+}
+
+ExpressionValue ExpressionValue::fromObject(ExpressionObject *object)
+{
+    assert(object);
+    ExpressionValue value({Object, 0, 0});
+    value.object = ObjectReference(object);
+    return value;
 }
 
 void ExpressionValue::resolve()

@@ -1,8 +1,10 @@
 #pragma once
 
-#include <QString>
-
-#include <utility>
+#include <bit>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
 
 struct ExpressionValue;
 
@@ -11,7 +13,7 @@ struct ExpressionValue;
 class ExpressionObject
 {
 public:
-    virtual QString text() = 0;
+    virtual std::string text() = 0;
     virtual ExpressionValue value() = 0;
 
 protected:
@@ -19,49 +21,29 @@ protected:
 };
 
 /// A counted reference to a holder of an object. The last reference frees the holder, never the
-/// object. The count is not atomic: one thread at a time.
+/// object.
 class ObjectReference
 {
 public:
     ObjectReference() = default;
     /// The first reference to a new holder of \a object.
-    explicit ObjectReference(ExpressionObject *object) : holder(new Holder{1, object}) {}
-    ObjectReference(const ObjectReference &other) : holder(other.holder)
+    explicit ObjectReference(ExpressionObject *object) : holder(object, [](ExpressionObject *) {})
     {
-        if (holder)
-            ++holder->references;
-    }
-    ObjectReference(ObjectReference &&other) noexcept : holder(std::exchange(other.holder, nullptr))
-    {
-    }
-    ObjectReference &operator=(ObjectReference other) noexcept
-    {
-        std::swap(holder, other.holder);
-        return *this;
-    }
-    ~ObjectReference()
-    {
-        if (holder && --holder->references == 0)
-            delete holder;
     }
 
     /// Null for a reference to nothing.
-    ExpressionObject *get() const { return holder ? holder->object : nullptr; }
+    ExpressionObject *get() const { return holder.get(); }
     /// References that share the holder, this one included.
-    int count() const { return holder ? holder->references : 0; }
+    int count() const { return static_cast<int>(holder.use_count()); }
 
 private:
-    struct Holder {
-        int references;
-        ExpressionObject *object;
-    };
-    Holder *holder = nullptr;
+    std::shared_ptr<ExpressionObject> holder;
 };
 
-/// What an evaluation produces: a value and the kind that says how to read it. Reading never
-/// fails; what a kind cannot give reads as 0 or as an empty text.
-struct ExpressionValue {
-    enum Kind : qint32 {
+/// As much of a value as most operators look at: its kind, and what fits into 8 bytes. Reading
+/// never fails; what a kind cannot give reads as 0.
+struct PlainValue {
+    enum Kind : std::int32_t {
         Boolean = 0,
         Signed = 1,
         Unsigned = 2,
@@ -71,57 +53,61 @@ struct ExpressionValue {
         Void = 6,  ///< the value of an empty text
     };
 
-    qint32 kind = Void;
+    Kind kind = Void;
     /// Width of the value's type in bytes: 1, 2, 4 or 8 for integers, of which the low bytes of the
     /// payload count; any other width counts as 8. 4 or 8 for floating values. 0 for booleans and
     /// strings.
-    qint32 size = 2;
+    std::int32_t size = 2;
     /// By kind: a boolean in the lowest byte, a 64-bit integer, or the IEEE 754 bits of a double
     /// (also where size is 4). 0 for the other kinds.
-    quint64 payload = 0;
-    QString text;            ///< kind String only
-    ObjectReference object;  ///< kind Object only
-    quint32 bitWidth = 0;    ///< bits where they are fewer than size has; 0: all. Only for display.
-
-    /// The void value.
-    ExpressionValue() = default;
-    static ExpressionValue fromBool(bool value) { return {Boolean, 0, value ? 1U : 0U}; }
-    static ExpressionValue fromInt64(qint64 value, qint32 size = 8)
-    {
-        return {Signed, size, static_cast<quint64>(value)};
-    }
-    static ExpressionValue fromUInt64(quint64 value, qint32 size = 8)
-    {
-        return {Unsigned, size, value};
-    }
-    static ExpressionValue fromDouble(double value, qint32 size = 8);
-    static ExpressionValue fromText(const QString &text);
-    static ExpressionValue fromObject(ExpressionObject *object);
+    std::uint64_t payload = 0;
 
     bool isBoolean() const { return kind == Boolean; }
     bool isNumeric() const { return kind == Signed || kind == Unsigned || kind == Floating; }
     bool isObject() const { return kind == Object; }
 
     /// The lowest byte of the payload, whatever the kind.
-    quint8 firstByte() const { return static_cast<quint8>(payload); }
+    std::uint8_t firstByte() const { return static_cast<std::uint8_t>(payload); }
     bool toBool() const { return firstByte() != 0; }
     /// Integers sign-extended from their size, floating values truncated toward zero. A floating
     /// value that no 64-bit integer holds, and one that is not a number, gives -2^63.
-    qint64 toInt64() const;
+    std::int64_t toInt64() const;
     /// Integers zero-extended from their size. For a floating value its bit pattern, in single
     /// precision where size is 4: 1.5 gives 0x3FF8000000000000.
-    quint64 toUInt64() const;
+    std::uint64_t toUInt64() const;
     /// The number itself; integers are read as their kind says.
     double toDouble() const;
+};
+
+/// What an evaluation produces: a value, with the text or the object where its kind has one.
+struct ExpressionValue : PlainValue {
+    std::string text;            ///< kind String only
+    ObjectReference object;      ///< kind Object only
+    std::uint32_t bitWidth = 0;  ///< bits where they are fewer than size has; 0: all. For display.
+
+    /// The void value.
+    ExpressionValue() = default;
+    explicit ExpressionValue(const PlainValue &plain) : PlainValue(plain) {}
+    static ExpressionValue fromBool(bool value)
+    {
+        return ExpressionValue({Boolean, 0, value ? 1U : 0U});
+    }
+    static ExpressionValue fromInt64(std::int64_t value, std::int32_t size = 8)
+    {
+        return ExpressionValue({Signed, size, static_cast<std::uint64_t>(value)});
+    }
+    static ExpressionValue fromUInt64(std::uint64_t value, std::int32_t size = 8)
+    {
+        return ExpressionValue({Unsigned, size, value});
+    }
+    static ExpressionValue fromDouble(double value, std::int32_t size = 8)
+    {
+        return ExpressionValue({Floating, size, std::bit_cast<std::uint64_t>(value)});
+    }
+    static ExpressionValue fromText(std::string_view text);
+    /// \a object must not be null.
+    static ExpressionValue fromObject(ExpressionObject *object);
 
     /// Replaces an object by its current value; leaves other values alone.
     void resolve();
-
-private:
-    ExpressionValue(Kind valueKind, qint32 valueSize, quint64 bits)
-        : kind(valueKind),
-          size(valueSize),
-          payload(bits)
-    {
-    }
 };

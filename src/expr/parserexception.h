@@ -1,7 +1,6 @@
 #pragma once
 
-#include <QString>
-
+#include <string>
 #include <utility>
 
 /// The one way in which this library fails: text that is no expression, and an expression that
@@ -10,12 +9,11 @@
 class ParserException
 {
 public:
-    explicit ParserException(QString message) : text(std::move(message)) {}
-    explicit ParserException(QLatin1StringView message) : text(message) {}
+    explicit ParserException(std::string message) : text(std::move(message)) {}
 
     /// One line, complete, without a position.
-    const QString &message() const { return text; }
+    const std::string &message() const { return text; }
 
 private:
-    QString text;
+    std::string text;
 };

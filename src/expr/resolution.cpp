@@ -4,27 +4,23 @@
 #include "parserexception.h"
 #include "types.h"
 
-using namespace Qt::StringLiterals;
+#include <algorithm>
+#include <cassert>
 
 namespace
 {
-
-int heightAbove(const Expression &left, const Expression &right)
-{
-    return 1 + qMax(left.height(), right.height());
-}
 
 int heightAbove(const Expression &function,
                 const std::vector<std::unique_ptr<Expression>> &arguments)
 {
     int height = function.height();
     for (const std::unique_ptr<Expression> &argument : arguments)
-        height = qMax(height, argument->height());
+        height = std::max(height, argument->height());
     return 1 + height;
 }
 
 /// The value of \a node, which must be an object; else throws \a message.
-ExpressionValue evaluateObject(const Expression &node, QLatin1StringView message)
+ExpressionValue evaluateObject(const Expression &node, const char *message)
 {
     ExpressionValue value = node.evaluate();
     if (!value.isObject())
@@ -43,14 +39,19 @@ ExpressionValue evaluatePlain(const Expression &node, ExpressionParser *parser)
 
 }  // namespace
 
-ExpressionValue IdentifierExpression::evaluate() const
+AskingNode::AskingNode(ExpressionParser *resolver) : parser(resolver)
 {
-    return ExpressionValue::fromObject(parser->lookupSymbol(name.toLatin1().constData()));
+    assert(resolver);
 }
 
-void IdentifierExpression::dumpTo(QString &text) const
+ExpressionValue IdentifierExpression::evaluate() const
 {
-    text += "Identifier("_L1 + name + u')';
+    return ExpressionValue::fromObject(parser->lookupSymbol(name.c_str()));
+}
+
+void IdentifierExpression::dumpTo(std::string &text) const
+{
+    text.append("Identifier(").append(name).append(")");
 }
 
 ExpressionValue ScopedIdentifierExpression::evaluate() const
@@ -58,9 +59,17 @@ ExpressionValue ScopedIdentifierExpression::evaluate() const
     return ExpressionValue::fromObject(parser->lookupScopedSymbol(parts));
 }
 
-void ScopedIdentifierExpression::dumpTo(QString &text) const
+void ScopedIdentifierExpression::dumpTo(std::string &text) const
 {
-    text += "Identifier("_L1 + parts.join("::"_L1) + u')';
+    text.append("Identifier(").append(joined(parts)).append(")");
+}
+
+std::string joined(const std::vector<std::string> &parts)
+{
+    std::string text;
+    for (const std::string &part : parts)
+        text.append(&part == &parts.front() ? "" : "::").append(part);
+    return text;
 }
 
 ExpressionValue RegisterExpression::evaluate() const
@@ -68,35 +77,16 @@ ExpressionValue RegisterExpression::evaluate() const
     return ExpressionValue::fromObject(parser->lookupRegister(name));
 }
 
-void RegisterExpression::dumpTo(QString &text) const
+void RegisterExpression::dumpTo(std::string &text) const
 {
-    text += "Identifier("_L1 + name + u')';
-}
-
-AssignExpression::AssignExpression(std::unique_ptr<Expression> target,
-                                   std::unique_ptr<Expression> value, ExpressionParser *resolver)
-    : BinaryExpression(heightAbove(*target, *value), target, value),
-      parser(resolver)
-{
+    text.append("Identifier(").append(name).append(")");
 }
 
 ExpressionValue AssignExpression::evaluate() const
 {
-    ExpressionValue target = evaluateObject(*left, "bad expression type"_L1);
+    ExpressionValue target = evaluateObject(*left, "bad expression type");
     parser->assignValue(target.object.get(), evaluatePlain(*right, parser));
     return target;
-}
-
-QLatin1StringView AssignExpression::dumpName() const
-{
-    return "="_L1;
-}
-
-DotExpression::DotExpression(std::unique_ptr<Expression> base, std::unique_ptr<Expression> member,
-                             ExpressionParser *resolver)
-    : BinaryExpression(heightAbove(*base, *member), base, member),
-      parser(resolver)
-{
 }
 
 ExpressionValue DotExpression::evaluate() const
@@ -106,65 +96,46 @@ ExpressionValue DotExpression::evaluate() const
         return parser->memberValue(base, member->name);
     if (const auto *member = dynamic_cast<const ScopedIdentifierExpression *>(right.get()))
         return parser->scopedMemberValue(base, member->parts);
-    throw ParserException("bad expression type"_L1);
-}
-
-QLatin1StringView DotExpression::dumpName() const
-{
-    return "Dot"_L1;
-}
-
-LeftSquareBracketExpression::LeftSquareBracketExpression(std::unique_ptr<Expression> base,
-                                                         std::unique_ptr<Expression> index,
-                                                         ExpressionParser *resolver)
-    : BinaryExpression(heightAbove(*base, *index), base, index),
-      parser(resolver)
-{
+    throw ParserException("bad expression type");
 }
 
 ExpressionValue LeftSquareBracketExpression::evaluate() const
 {
-    const ExpressionValue base = evaluateObject(*left, "bad expression type"_L1);
+    const ExpressionValue base = evaluateObject(*left, "bad expression type");
     return parser->dereferenceValue(base.object.get(), evaluateIndex());
 }
 
 /// The low 32 bits of a number, or 0 or 1 for a boolean.
-qint32 LeftSquareBracketExpression::evaluateIndex() const
+std::int32_t LeftSquareBracketExpression::evaluateIndex() const
 {
     const ExpressionValue index = evaluatePlain(*right, parser);
     if (!index.isNumeric() && !index.isBoolean())
-        throw ParserException("bad index type"_L1);
-    return static_cast<qint32>(index.toInt64());
-}
-
-QLatin1StringView LeftSquareBracketExpression::dumpName() const
-{
-    return "LeftSquareBracket"_L1;
+        throw ParserException("bad index type");
+    return static_cast<std::int32_t>(index.toInt64());
 }
 
 ExpressionValue SizeofExpression::evaluate() const
 {
-    const ExpressionValue value =
-        evaluateObject(*operand, "cannot determine sizeof of a constant"_L1);
+    const ExpressionValue value = evaluateObject(*operand, "cannot determine sizeof of a constant");
     return parser->sizeOfValue(value.object.get());
 }
 
-void SizeofExpression::dumpTo(QString &text) const
+void SizeofExpression::dumpTo(std::string &text) const
 {
-    text += "sizeof("_L1;
+    text += "sizeof(";
     operand->dumpTo(text);
-    text += u')';
+    text += ')';
 }
 
 ExpressionValue AddressofExpression::evaluate() const
 {
-    const ExpressionValue value = evaluateObject(*operand, "cannot take address of a constant"_L1);
+    const ExpressionValue value = evaluateObject(*operand, "cannot take address of a constant");
     return parser->addressOfValue(value.object.get());
 }
 
-void AddressofExpression::dumpTo(QString &text) const
+void AddressofExpression::dumpTo(std::string &text) const
 {
-    text += u'&';
+    text += '&';
     operand->dumpTo(text);
 }
 
@@ -173,17 +144,18 @@ ExpressionValue AddressofLineExpression::evaluate() const
     return parser->addressOfLine(fileName, line);
 }
 
-void AddressofLineExpression::dumpTo(QString &text) const
+void AddressofLineExpression::dumpTo(std::string &text) const
 {
-    text += "addressof("_L1 + u'"' + fileName + u'"' + ", "_L1 + QString::number(line) + u')';
+    text.append("addressof(\"").append(fileName).append("\", ");
+    text.append(std::to_string(line)).append(")");
 }
 
 CastExpression::CastExpression(std::unique_ptr<BaseType> target,
                                std::unique_ptr<Expression> operandNode, ExpressionParser *resolver)
-    : Expression(1 + qMax(target->height(), operandNode->height())),
+    : TreeExpression(1 + std::max(target->height(), operandNode->height())),
+      AskingNode(resolver),
       type(std::move(target)),
-      operand(std::move(operandNode)),
-      parser(resolver)
+      operand(std::move(operandNode))
 {
 }
 
@@ -194,39 +166,39 @@ ExpressionValue CastExpression::evaluate() const
     return parser->castValue(*type, operand->evaluate());
 }
 
-void CastExpression::dumpTo(QString &text) const
+void CastExpression::dumpTo(std::string &text) const
 {
-    text += u'(';
+    text += '(';
     type->nameTo(text);
-    text += u')';
+    text += ')';
     operand->dumpTo(text);
 }
 
 CallExpression::CallExpression(std::unique_ptr<Expression> functionNode,
                                std::vector<std::unique_ptr<Expression>> argumentNodes,
                                ExpressionParser *resolver)
-    : Expression(heightAbove(*functionNode, argumentNodes)),
+    : TreeExpression(heightAbove(*functionNode, argumentNodes)),
+      AskingNode(resolver),
       function(std::move(functionNode)),
-      arguments(std::move(argumentNodes)),
-      parser(resolver)
+      arguments(std::move(argumentNodes))
 {
 }
 
 ExpressionValue CallExpression::evaluate() const
 {
     const ExpressionValue functionValue = function->evaluate();
-    QList<ExpressionValue> values;
-    values.reserve(static_cast<qsizetype>(arguments.size()));
+    std::vector<ExpressionValue> values;
+    values.reserve(arguments.size());
     for (const std::unique_ptr<Expression> &argument : arguments)
-        values.append(argument->evaluate());
+        values.push_back(argument->evaluate());
     return parser->callFunction(functionValue, values);
 }
 
-void CallExpression::dumpTo(QString &text) const
+void CallExpression::dumpTo(std::string &text) const
 {
     function->dumpTo(text);
-    text += u'(';
+    text += '(';
     for (const std::unique_ptr<Expression> &argument : arguments)
         argument->dumpTo(text);
-    text += u')';
+    text += ')';
 }

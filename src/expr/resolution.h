@@ -2,195 +2,192 @@
 
 #include "expression.h"
 
-#include <QStringList>
-
+#include <string>
 #include <vector>
 
 class BaseType;
 class ExpressionParser;
 
-// The nodes that reach beyond the expression: names, registers, types, memory. Each asks its parser
-// when it is evaluated, after its operands; what can be wrong is what the parser throws, or an
-// operand that is no object where an object is needed.
-
-class IdentifierExpression : public Expression
+/// The nodes below reach beyond the expression: to names, registers, types, memory. Each asks its
+/// parser, which must not be null, when it is evaluated, after its operands; what can be wrong is
+/// what the parser throws, or an operand that is no object where an object is needed.
+class AskingNode
 {
 public:
-    IdentifierExpression(QString identifier, ExpressionParser *resolver)
-        : Expression(1),
-          name(std::move(identifier)),
-          parser(resolver)
+    ExpressionParser *parser;
+
+protected:
+    explicit AskingNode(ExpressionParser *resolver);
+    ~AskingNode() = default;
+};
+
+class IdentifierExpression : public TreeExpression, public AskingNode
+{
+public:
+    IdentifierExpression(std::string identifier, ExpressionParser *resolver)
+        : AskingNode(resolver),
+          name(std::move(identifier))
     {
     }
     ExpressionValue evaluate() const override;
-    QString dump() const override { return dumped(); }
-    void dumpTo(QString &text) const override;
+    void dumpTo(std::string &text) const override;
 
-    QString name;
-    ExpressionParser *parser;
+    std::string name;
 };
 
 /// A name with "::" in it, or in front of it: "::x" has the one part "x".
-class ScopedIdentifierExpression : public Expression
+class ScopedIdentifierExpression : public TreeExpression, public AskingNode
 {
 public:
-    ScopedIdentifierExpression(QStringList nameParts, ExpressionParser *resolver)
-        : Expression(1),
-          parts(std::move(nameParts)),
-          parser(resolver)
+    ScopedIdentifierExpression(std::vector<std::string> nameParts, ExpressionParser *resolver)
+        : AskingNode(resolver),
+          parts(std::move(nameParts))
     {
     }
     ExpressionValue evaluate() const override;
-    QString dump() const override { return dumped(); }
-    void dumpTo(QString &text) const override;
+    void dumpTo(std::string &text) const override;
 
-    QStringList parts;
-    ExpressionParser *parser;
+    std::vector<std::string> parts;
 };
 
-class RegisterExpression : public Expression
+/// The parts of a name with "::" between them.
+std::string joined(const std::vector<std::string> &parts);
+
+class RegisterExpression : public TreeExpression, public AskingNode
 {
 public:
-    RegisterExpression(QString registerName, ExpressionParser *resolver)
-        : Expression(1),
-          name(std::move(registerName)),
-          parser(resolver)
+    RegisterExpression(std::string registerName, ExpressionParser *resolver)
+        : AskingNode(resolver),
+          name(std::move(registerName))
     {
     }
     ExpressionValue evaluate() const override;
-    QString dump() const override { return dumped(); }
-    void dumpTo(QString &text) const override;
+    void dumpTo(std::string &text) const override;
 
-    QString name;  ///< without the "@"
-    ExpressionParser *parser;
+    std::string name;  ///< without the "@"
 };
 
 /// Stores the right value in the object that the left operand is, which is also the value. Unlike
 /// an operator it evaluates the left operand first.
-class AssignExpression : public BinaryExpression
+class AssignExpression : public BinaryExpression, public AskingNode
 {
 public:
     AssignExpression(std::unique_ptr<Expression> target, std::unique_ptr<Expression> value,
-                     ExpressionParser *resolver);
+                     ExpressionParser *resolver)
+        : BinaryExpression(std::move(target), std::move(value)),
+          AskingNode(resolver)
+    {
+    }
     ExpressionValue evaluate() const override;
 
-    ExpressionParser *parser;
-
 protected:
-    QLatin1StringView dumpName() const override;
+    const char *dumpName() const override { return "="; }
 };
 
 /// A member of the left operand; the right operand is the node of the member's name.
-class DotExpression : public BinaryExpression
+class DotExpression : public BinaryExpression, public AskingNode
 {
 public:
     DotExpression(std::unique_ptr<Expression> base, std::unique_ptr<Expression> member,
-                  ExpressionParser *resolver);
+                  ExpressionParser *resolver)
+        : BinaryExpression(std::move(base), std::move(member)),
+          AskingNode(resolver)
+    {
+    }
     ExpressionValue evaluate() const override;
 
-    ExpressionParser *parser;
-
 protected:
-    QLatin1StringView dumpName() const override;
+    const char *dumpName() const override { return "Dot"; }
 };
 
 /// The left operand indexed by the right one; "*x" is x indexed by 0.
-class LeftSquareBracketExpression : public BinaryExpression
+class LeftSquareBracketExpression : public BinaryExpression, public AskingNode
 {
 public:
     LeftSquareBracketExpression(std::unique_ptr<Expression> base, std::unique_ptr<Expression> index,
-                                ExpressionParser *resolver);
+                                ExpressionParser *resolver)
+        : BinaryExpression(std::move(base), std::move(index)),
+          AskingNode(resolver)
+    {
+    }
     ExpressionValue evaluate() const override;
 
-    ExpressionParser *parser;
-
 protected:
-    QLatin1StringView dumpName() const override;
+    const char *dumpName() const override { return "LeftSquareBracket"; }
 
 private:
-    qint32 evaluateIndex() const;
+    std::int32_t evaluateIndex() const;
 };
 
-class SizeofExpression : public Expression
+class SizeofExpression : public TreeExpression, public AskingNode
 {
 public:
     SizeofExpression(std::unique_ptr<Expression> operandNode, ExpressionParser *resolver)
-        : Expression(operandNode->height() + 1),
-          operand(std::move(operandNode)),
-          parser(resolver)
+        : TreeExpression(operandNode->height() + 1),
+          AskingNode(resolver),
+          operand(std::move(operandNode))
     {
     }
     ExpressionValue evaluate() const override;
-    QString dump() const override { return dumped(); }
-    void dumpTo(QString &text) const override;
+    void dumpTo(std::string &text) const override;
 
     std::unique_ptr<Expression> operand;
-    ExpressionParser *parser;
 };
 
-class AddressofExpression : public Expression
+class AddressofExpression : public TreeExpression, public AskingNode
 {
 public:
     AddressofExpression(std::unique_ptr<Expression> operandNode, ExpressionParser *resolver)
-        : Expression(operandNode->height() + 1),
-          operand(std::move(operandNode)),
-          parser(resolver)
+        : TreeExpression(operandNode->height() + 1),
+          AskingNode(resolver),
+          operand(std::move(operandNode))
     {
     }
     ExpressionValue evaluate() const override;
-    QString dump() const override { return dumped(); }
-    void dumpTo(QString &text) const override;
+    void dumpTo(std::string &text) const override;
 
     std::unique_ptr<Expression> operand;
-    ExpressionParser *parser;
 };
 
 /// The address of a line of a source file.
-class AddressofLineExpression : public Expression
+class AddressofLineExpression : public TreeExpression, public AskingNode
 {
 public:
-    AddressofLineExpression(QString file, qint64 lineNumber, ExpressionParser *resolver)
-        : Expression(1),
+    AddressofLineExpression(std::string file, std::int64_t lineNumber, ExpressionParser *resolver)
+        : AskingNode(resolver),
           fileName(std::move(file)),
-          line(lineNumber),
-          parser(resolver)
+          line(lineNumber)
     {
     }
     ExpressionValue evaluate() const override;
-    QString dump() const override { return dumped(); }
-    void dumpTo(QString &text) const override;
+    void dumpTo(std::string &text) const override;
 
-    QString fileName;
-    qint64 line;
-    ExpressionParser *parser;
+    std::string fileName;
+    std::int64_t line;
 };
 
-class CastExpression : public Expression
+class CastExpression : public TreeExpression, public AskingNode
 {
 public:
     CastExpression(std::unique_ptr<BaseType> target, std::unique_ptr<Expression> operandNode,
                    ExpressionParser *resolver);
     ~CastExpression() override;
     ExpressionValue evaluate() const override;
-    QString dump() const override { return dumped(); }
-    void dumpTo(QString &text) const override;
+    void dumpTo(std::string &text) const override;
 
     std::unique_ptr<BaseType> type;
     std::unique_ptr<Expression> operand;
-    ExpressionParser *parser;
 };
 
-class CallExpression : public Expression
+class CallExpression : public TreeExpression, public AskingNode
 {
 public:
     CallExpression(std::unique_ptr<Expression> functionNode,
                    std::vector<std::unique_ptr<Expression>> argumentNodes,
                    ExpressionParser *resolver);
     ExpressionValue evaluate() const override;
-    QString dump() const override { return dumped(); }
-    void dumpTo(QString &text) const override;
+    void dumpTo(std::string &text) const override;
 
     std::unique_ptr<Expression> function;
     std::vector<std::unique_ptr<Expression>> arguments;
-    ExpressionParser *parser;
 };

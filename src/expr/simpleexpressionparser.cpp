@@ -1,28 +1,18 @@
 #include "simpleexpressionparser.h"
 
 #include "parserexception.h"
+#include "resolution.h"
 
-using namespace Qt::StringLiterals;
+#include <cassert>
 
 namespace
 {
 
-/// The value of \a text if it has one and \a isWanted accepts it, else the void value, which every
-/// conversion reads as 0.
-ExpressionValue evaluateWanted(ExpressionParser *parser, const char *text,
-                               bool (ExpressionValue::*isWanted)() const, bool *ok)
-{
-    *ok = false;
-    try {
-        ExpressionValue value = parser->evaluate(text);
-        *ok = (value.*isWanted)();
-        if (*ok)
-            return value;
-    } catch (const ParserException &) {
-        // No value either; the caller decides what that means.
-    }
-    return {};
-}
+// Prices of what an evaluation does, in nanoseconds.
+constexpr std::uint64_t stepsPerEvaluation = 50;
+constexpr std::uint64_t stepsPerCharacter = 3;
+constexpr std::uint64_t stepsPerToken = 18;
+constexpr std::uint64_t stepsPerException = 1500;
 
 }  // namespace
 
@@ -32,68 +22,52 @@ SimpleExpressionParser *SimpleExpressionParser::instance()
     return parser;
 }
 
-ExpressionObject *SimpleExpressionParser::lookupScopedSymbol(const QStringList &parts)
+ExpressionObject *SimpleExpressionParser::lookupScopedSymbol(const std::vector<std::string> &parts)
 {
-    throw ParserException(parts.join("::"_L1) + " symbol not found"_L1);
+    throw ParserException(joined(parts).append(" symbol not found"));
 }
 
 ExpressionObject *SimpleExpressionParser::lookupSymbol(const char *name)
 {
-    throw ParserException(QLatin1StringView(name) + " symbol not found"_L1);
+    throw ParserException(std::string(name).append(" symbol not found"));
 }
 
-ExpressionObject *SimpleExpressionParser::lookupRegister(const QString &)
+void SimpleExpressionParser::fail(const char *message)
 {
-    throw ParserException("unknown register"_L1);
+    throw ParserException(message);
 }
 
-bool SimpleExpressionParser::isTypeName(const QString &)
+std::uint64_t SimpleExpressionParser::evaluateUnsigned(const char *text, bool *ok)
 {
-    return false;
+    return evaluateWanted(text, &PlainValue::isNumeric, ok).toUInt64();
 }
 
-ExpressionValue SimpleExpressionParser::castValue(const BaseType &, const ExpressionValue &)
+std::int64_t SimpleExpressionParser::evaluateSigned(const char *text, bool *ok)
 {
-    throw ParserException("cannot cast"_L1);
-}
-
-ExpressionValue SimpleExpressionParser::dereferenceValue(ExpressionObject *, qint32)
-{
-    throw ParserException("cannot dereference"_L1);
-}
-
-ExpressionValue SimpleExpressionParser::memberValue(const ExpressionValue &, const QString &)
-{
-    throw ParserException("cannot dereference"_L1);
-}
-
-ExpressionValue SimpleExpressionParser::scopedMemberValue(const ExpressionValue &,
-                                                          const QStringList &)
-{
-    throw ParserException("cannot dereference"_L1);
-}
-
-void SimpleExpressionParser::assignValue(ExpressionObject *, const ExpressionValue &)
-{
-    throw ParserException("this symbol not found"_L1);
-}
-
-ExpressionValue SimpleExpressionParser::objectValue(ExpressionObject *)
-{
-    throw ParserException("this symbol not found"_L1);
-}
-
-quint64 SimpleExpressionParser::evaluateUnsigned(const char *text, bool *ok)
-{
-    return evaluateWanted(this, text, &ExpressionValue::isNumeric, ok).toUInt64();
-}
-
-qint64 SimpleExpressionParser::evaluateSigned(const char *text, bool *ok)
-{
-    return evaluateWanted(this, text, &ExpressionValue::isNumeric, ok).toInt64();
+    return evaluateWanted(text, &PlainValue::isNumeric, ok).toInt64();
 }
 
 bool SimpleExpressionParser::evaluateBool(const char *text, bool *ok)
 {
-    return evaluateWanted(this, text, &ExpressionValue::isBoolean, ok).toBool();
+    return evaluateWanted(text, &PlainValue::isBoolean, ok).toBool();
+}
+
+/// The value of \a text if it has one and \a isWanted accepts it, else the void value, which every
+/// conversion reads as 0.
+PlainValue SimpleExpressionParser::evaluateWanted(const char *text,
+                                                  bool (PlainValue::*isWanted)() const, bool *ok)
+{
+    assert(ok);
+    *ok = false;
+    PlainValue value;
+    cost = stepsPerEvaluation;
+    try {
+        value = evaluate(text);
+        *ok = (value.*isWanted)();
+    } catch (const ParserException &) {
+        // No value either; the caller decides what that means.
+        cost += stepsPerException;
+    }
+    cost += stepsPerCharacter * lexer.position() + stepsPerToken * lexer.scanned();
+    return *ok ? value : PlainValue();
 }

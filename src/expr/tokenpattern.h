@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QByteArray>
-
 #include <array>
-#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
 #include <vector>
 
 /// The form of one kind of token: a chain of character sets, matched from left to right. The
@@ -21,69 +21,158 @@ class TokenPattern
 {
 public:
     /// By character, whether it is one of them.
-    using CharacterSet = std::array<bool, 256>;
+    class CharacterSet
+    {
+    public:
+        constexpr bool contains(char c) const { return members[static_cast<unsigned char>(c)]; }
+        constexpr void addRange(unsigned char first, unsigned char last);
+        constexpr void addEscaped(char c);
+        constexpr void invert();
+        constexpr int size() const;
 
-    explicit TokenPattern(QByteArray pattern);
-
-    /// The pattern as it was given.
-    const QByteArray &text() const { return source; }
-    bool isValid() const { return valid; }
-    /// Hands each character with which a match can begin to \a take; none for an invalid pattern.
-    /// One that more than one part of the pattern can begin with is handed over as often.
-    template <typename Take>
-    void forEachFirstCharacter(Take take) const;
-    /// Characters of [first, last) that the pattern takes, beginning at first. 0: no match.
-    qsizetype match(const char *first, const char *last) const;
-
-private:
-    struct Step {
-        char character = 0;  ///< the one that it takes; most steps take no other
-        std::shared_ptr<const CharacterSet> set = nullptr;  ///< of those it takes, else
-        bool optional = false;                              ///< may take no character
-        bool repeated = false;                              ///< may take more than one
-
-        bool takes(char c) const
-        {
-            return set ? (*set)[static_cast<unsigned char>(c)] : c == character;
-        }
+    private:
+        std::array<bool, 256> members = {};
     };
 
-    static bool takePart(QByteArrayView *rest, Step *step);
+    /// One part of a pattern.
+    struct Step {
+        CharacterSet set;
+        bool optional = false;  ///< may take no character
+        bool repeated = false;  ///< may take more than one
+    };
 
-    bool compile();
+    explicit TokenPattern(std::string_view pattern);
 
-    QByteArray source;
+    /// The pattern as it was given.
+    const std::string &text() const { return source; }
+    bool isValid() const { return valid; }
+    /// Characters at the beginning of \a input that the pattern takes. 0: no match.
+    std::size_t match(std::string_view input) const { return match(steps, input); }
+
+    static constexpr std::size_t match(std::span<const Step> steps, std::string_view input);
+    /// Cuts the first step off *pattern, which must not be empty. False: it is none that a pattern
+    /// can have.
+    static constexpr bool takeStep(std::string_view *pattern, Step *step);
+
+private:
+    static constexpr char take(std::string_view *rest);
+    static constexpr bool takeSet(std::string_view *rest, CharacterSet *set);
+    static constexpr void takeMember(std::string_view *rest, CharacterSet *set);
+
+    std::string source;
     std::vector<Step> steps;  ///< none where the pattern is invalid
     bool valid;
 };
 
-// Inline, because every token passes through here, often more than once.
-inline qsizetype TokenPattern::match(const char *first, const char *last) const
+// All of the reading is inline, because the compiler itself reads the patterns of the grammar, and
+// matching because every token passes through it, often more than once.
+
+constexpr void TokenPattern::CharacterSet::addRange(unsigned char first, unsigned char last)
 {
-    const char *next = first;
+    for (unsigned int code = first; code <= last; ++code)
+        members[code] = true;
+}
+
+/// Adds what the character behind a backslash stands for.
+constexpr void TokenPattern::CharacterSet::addEscaped(char c)
+{
+    if (c == 'd') {
+        addRange('0', '9');
+    } else if (c == 's') {
+        addRange(9, 13);
+        addRange(' ', ' ');
+        addRange(0xA0, 0xA0);
+    } else {
+        addRange(static_cast<unsigned char>(c), static_cast<unsigned char>(c));
+    }
+}
+
+constexpr void TokenPattern::CharacterSet::invert()
+{
+    for (bool &isMember : members)
+        isMember = !isMember;
+}
+
+constexpr int TokenPattern::CharacterSet::size() const
+{
+    int count = 0;
+    for (const bool isMember : members)
+        count += isMember ? 1 : 0;
+    return count;
+}
+
+/// Takes the first character of *rest, which must not be empty.
+constexpr char TokenPattern::take(std::string_view *rest)
+{
+    const char c = rest->front();
+    rest->remove_prefix(1);
+    return c;
+}
+
+/// Adds one member of a set: an escape, a range or a character.
+constexpr void TokenPattern::takeMember(std::string_view *rest, CharacterSet *set)
+{
+    const char c = take(rest);
+    auto last = static_cast<unsigned char>(c);
+    if (c == '\\' && !rest->empty()) {
+        set->addEscaped(take(rest));
+        return;
+    }
+    if (rest->size() > 1 && rest->front() == '-' && (*rest)[1] != ']') {
+        take(rest);
+        last = static_cast<unsigned char>(take(rest));
+    }
+    set->addRange(static_cast<unsigned char>(c), last);
+}
+
+/// The set whose opening bracket is taken already. False: nothing closes it, or it is empty.
+constexpr bool TokenPattern::takeSet(std::string_view *rest, CharacterSet *set)
+{
+    const bool inverted = rest->starts_with('^');
+    if (inverted)
+        take(rest);
+    while (!rest->empty() && rest->front() != ']')
+        takeMember(rest, set);
+    if (rest->empty())
+        return false;
+    take(rest);
+    if (inverted)
+        set->invert();
+    return set->size() > 0;
+}
+
+constexpr bool TokenPattern::takeStep(std::string_view *pattern, Step *step)
+{
+    const char c = take(pattern);
+    if (c == '[') {
+        if (!takeSet(pattern, &step->set))
+            return false;
+    } else if (c == '\\' && !pattern->empty()) {
+        step->set.addEscaped(take(pattern));
+    } else if (std::string_view(".?*+|()]{}^$\\").find(c) == std::string_view::npos) {
+        step->set.addRange(static_cast<unsigned char>(c), static_cast<unsigned char>(c));
+    } else {
+        return false;
+    }
+    if (pattern->starts_with('+') || pattern->starts_with('*')) {
+        step->repeated = true;
+        step->optional = take(pattern) == '*';
+    }
+    return true;
+}
+
+constexpr std::size_t TokenPattern::match(std::span<const Step> steps, std::string_view input)
+{
+    const char *next = input.data();
+    const char *last = next + input.size();
     for (const Step &step : steps) {
-        if (next != last && step.takes(*next)) {
+        if (next != last && step.set.contains(*next)) {
             ++next;
-            while (step.repeated && next != last && step.takes(*next))
+            while (step.repeated && next != last && step.set.contains(*next))
                 ++next;
         } else if (!step.optional) {
             return 0;
         }
     }
-    return next - first;
-}
-
-template <typename Take>
-void TokenPattern::forEachFirstCharacter(Take take) const
-{
-    for (const Step &step : steps) {
-        if (!step.set)
-            take(step.character);
-        for (std::size_t c = 0; step.set && c < step.set->size(); ++c) {
-            if ((*step.set)[c])
-                take(static_cast<char>(c));
-        }
-        if (!step.optional)
-            break;
-    }
+    return static_cast<std::size_t>(next - input.data());
 }

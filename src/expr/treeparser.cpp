@@ -1,99 +1,61 @@
 #include "treeparser.h"
 
-#include "binaryoperators.h"
 #include "expressionparser.h"
-#include "lexer.h"
+#include "operators.h"
 #include "parserexception.h"
 #include "resolution.h"
-#include "types.h"
-#include "unaryoperators.h"
+#include "typereader.h"
 
-#include <array>
+#include <cassert>
 #include <vector>
 
-using namespace Qt::StringLiterals;
+// How an expression is read. Each production of the grammar is a function, and stands above it:
+// quotes enclose tokens, braces what may stand any number of times, brackets what may be missing.
+// A function begins at the first token of what it reads and ends with the first one behind it as
+// the current token. One token decides what comes next, so nothing is ever read twice.
+//
+// The operators with two operands are no productions but a loop. The lexer gives each token a level,
+// from -4 (loosest) to 9 (tightest), and Token::noOperator to what cannot stand between operands.
+// parseBinary(level) reads one operand and goes on as long as operators of its level or a tighter
+// one follow. The right operand of an operator takes only what is tighter still, so that equals
+// group to the left, assignments too: a = b = c is (a = b) = c.
+//
+// Two things are not as in C. A cast takes all that follows it: (int)a + b is the cast of a + b. And
+// whatever is left behind an expression is not looked at: "1 2" is 1.
+//
+// "a += b" becomes "a = a + b", where the addition refers to the a of the assignment. x++ and ++x
+// are both "x += 1", and "*x" is "x[0]".
+//
+// A text of a megabyte must not exhaust stack or memory, so calls and nodes are counted; see
+// Reading. What a chain of operators makes leans to the left and adds nothing to its height.
 
 namespace
 {
 
-QByteArrayView unquoted(QByteArrayView literal)
+std::string_view unquoted(std::string_view literal)
 {
-    return literal.sliced(1, literal.size() - 2);
+    assert(literal.size() >= 2);
+    return literal.substr(1, literal.size() - 2);
 }
 
 }  // namespace
 
-/// What a token makes of its two operands: the node of an operator, or the assignment of the right
-/// operand, or of the operator's node, to the left one.
-struct TreeParser::OperatorRow {
-    Token::Kind kind;
-    bool assigns;
-    Node (TreeParser::*makeOperator)(Node left, Node right);
-};
-
-// Loosest first. A token that has a level and no row here is no operator.
-const TreeParser::OperatorRow TreeParser::operatorRows[] = {
-    {Token::StarAssign, true, &TreeParser::makeOperator<MultiplyExpression>},
-    {Token::SlashAssign, true, &TreeParser::makeOperator<DivideExpression>},
-    {Token::PercentAssign, true, &TreeParser::makeOperator<ModExpression>},
-    {Token::PlusAssign, true, &TreeParser::makeOperator<PlusExpression>},
-    {Token::MinusAssign, true, &TreeParser::makeOperator<MinusExpression>},
-    {Token::ShiftLeftAssign, true, &TreeParser::makeOperator<LshiftExpression>},
-    {Token::ShiftRightAssign, true, &TreeParser::makeOperator<RshiftExpression>},
-    {Token::AmpersandAssign, true, &TreeParser::makeOperator<BitAndExpression>},
-    {Token::CaretAssign, true, &TreeParser::makeOperator<BitXorExpression>},
-    {Token::BarAssign, true, &TreeParser::makeOperator<BitOrExpression>},
-    {Token::Assign, true, nullptr},
-    {Token::OrOr, false, &TreeParser::makeOperator<LogicalOrExpression>},
-    {Token::AndAnd, false, &TreeParser::makeOperator<LogicalAndExpression>},
-    {Token::Bar, false, &TreeParser::makeOperator<BitOrExpression>},
-    {Token::Caret, false, &TreeParser::makeOperator<BitXorExpression>},
-    {Token::Ampersand, false, &TreeParser::makeOperator<BitAndExpression>},
-    {Token::Equal, false, &TreeParser::makeOperator<EqExpression>},
-    {Token::NotEqual, false, &TreeParser::makeOperator<NeExpression>},
-    {Token::Less, false, &TreeParser::makeOperator<LtExpression>},
-    {Token::LessEqual, false, &TreeParser::makeOperator<LeExpression>},
-    {Token::Greater, false, &TreeParser::makeOperator<GtExpression>},
-    {Token::GreaterEqual, false, &TreeParser::makeOperator<GeExpression>},
-    {Token::ShiftLeft, false, &TreeParser::makeOperator<LshiftExpression>},
-    {Token::ShiftRight, false, &TreeParser::makeOperator<RshiftExpression>},
-    {Token::Plus, false, &TreeParser::makeOperator<PlusExpression>},
-    {Token::Minus, false, &TreeParser::makeOperator<MinusExpression>},
-    {Token::Star, false, &TreeParser::makeOperator<MultiplyExpression>},
-    {Token::Slash, false, &TreeParser::makeOperator<DivideExpression>},
-    {Token::Percent, false, &TreeParser::makeOperator<ModExpression>},
-};
-
-/// Counts a call that can contain itself, for as long as it is open.
-class TreeParser::Nesting
-{
-public:
-    explicit Nesting(TreeParser *tree) : depth(tree->depth)
-    {
-        checkHeight(depth + 1);
-        ++depth;
-    }
-    ~Nesting() { --depth; }
-    Q_DISABLE_COPY_MOVE(Nesting)
-
-private:
-    int &depth;
-};
-
+/// expression = binary of the loosest level
 TreeParser::Node TreeParser::parseExpression()
 {
     return parseBinary(Token::loosestLevel);
 }
 
-TreeParser::Node TreeParser::parseBinary(qint32 level)
+/// binary = unary { operator of the level or a tighter one, binary of a tighter level than its }
+TreeParser::Node TreeParser::parseBinary(std::int32_t level)
 {
     const Nesting nesting(this);
-    const qsizetype sizeBefore = size;
+    const std::size_t sizeBefore = size();
     Node left = parseUnary();
     while (lexer.precedence() >= level && lexer.precedence() <= Token::tightestLevel) {
-        const qint32 kind = lexer.kind();
-        const qint32 rightLevel = lexer.precedence() + 1;  // so that equal levels group to the left
-        const qsizetype leftSize = size - sizeBefore;
+        const Token::Kind kind = lexer.kind();
+        const std::int32_t rightLevel = lexer.precedence() + 1;
+        const std::size_t leftSize = size() - sizeBefore;
         lexer.next();
         Node right = rightLevel > Token::tightestLevel ? parseUnary() : parseBinary(rightLevel);
         left = combine(kind, std::move(left), std::move(right), leftSize);
@@ -101,50 +63,34 @@ TreeParser::Node TreeParser::parseBinary(qint32 level)
     return left;
 }
 
-TreeParser::Node TreeParser::combine(qint32 kind, Node left, Node right, qsizetype leftSize)
+TreeParser::Node TreeParser::combine(Token::Kind kind, Node left, Node right, std::size_t leftSize)
 {
     const OperatorRow *row = findOperator(kind);
     if (!row)
-        throw ParserException("operator not supported"_L1);
+        throw ParserException("operator not supported");
     if (!row->assigns)
-        return (this->*row->makeOperator)(std::move(left), std::move(right));
-    if (row->makeOperator)
-        right = (this->*row->makeOperator)(share(*left, leftSize), std::move(right));
+        return counted(makeOperator(*row->computes, std::move(left), std::move(right)));
+    if (row->computes)
+        right = counted(makeOperator(*row->computes, share(*left, leftSize), std::move(right)));
     return make<AssignExpression>(std::move(left), std::move(right), &parser);
 }
 
-const TreeParser::OperatorRow *TreeParser::findOperator(qint32 kind)
-{
-    using RowsByKind = std::array<const OperatorRow *, Token::Comma + 1>;
-    static const RowsByKind rows = [] {
-        RowsByKind byKind = {};
-        for (const OperatorRow &row : operatorRows)
-            byKind[static_cast<std::size_t>(row.kind)] = &row;
-        return byKind;
-    }();
-    // A parser may have added kinds of its own to its lexer.
-    return kind >= 0 && kind <= Token::Comma ? rows[static_cast<std::size_t>(kind)] : nullptr;
-}
-
-TreeParser::Node TreeParser::share(const Expression &target, qsizetype targetSize)
+TreeParser::Node TreeParser::share(const Expression &target, std::size_t targetSize)
 {
     charge(targetSize);
     return make<SharedExpression>(target);
 }
 
-template <typename Operator>
-TreeParser::Node TreeParser::makeOperator(Node left, Node right)
-{
-    return make<Operator>(std::move(left), std::move(right));
-}
-
+/// unary = primary { postfix }
 TreeParser::Node TreeParser::parseUnary()
 {
     const Nesting nesting(this);
-    const qsizetype sizeBefore = size;
+    const std::size_t sizeBefore = size();
     return parsePostfix(parsePrimary(), sizeBefore);
 }
 
+/// primary = number | string | word | "::" name | register | parenthesis | ( "++" | "--" ) unary
+///         | ( "~" | "!" | "-" | "+" | "&" | "*" ) unary
 TreeParser::Node TreeParser::parsePrimary()
 {
     switch (lexer.kind()) {
@@ -152,7 +98,8 @@ TreeParser::Node TreeParser::parsePrimary()
         return parseConstant<IntegerConstantExpression>(lexer.tokenToInt64());
     case Token::HexadecimalNumber:
     case Token::BinaryNumber:
-        return parseConstant<IntegerConstantExpression>(static_cast<qint64>(lexer.tokenToUInt64()));
+        return parseConstant<IntegerConstantExpression>(
+            static_cast<std::int64_t>(lexer.tokenToUInt64()));
     case Token::FloatingNumber:
         return parseConstant<FloatConstantExpression>(lexer.tokenToDouble());
     case Token::String:
@@ -161,7 +108,7 @@ TreeParser::Node TreeParser::parsePrimary()
         return parseWord();
     case Token::Scope:
         lexer.next();
-        return parseIdentifier(true);
+        return parseName(true);
     case Token::Register:
         return parseRegister();
     case Token::LeftParenthesis:
@@ -184,7 +131,7 @@ TreeParser::Node TreeParser::parsePrimary()
     case Token::Star:
         return parseDereference();
     default:
-        throw ParserException("expression expected"_L1);
+        throw ParserException("expression expected");
     }
 }
 
@@ -196,95 +143,91 @@ TreeParser::Node TreeParser::parseConstant(const Value &value)
     return constant;
 }
 
+/// word = sizeof | addressof | name
 TreeParser::Node TreeParser::parseWord()
 {
     if (lexer.tokenIs("sizeof"))
         return parseSizeof();
     if (lexer.tokenIs("addressof"))
         return parseAddressofLine();
-    return parseIdentifier(false);
+    return parseName(false);
 }
 
+/// sizeof = "sizeof" "(" expression ")"
 TreeParser::Node TreeParser::parseSizeof()
 {
     lexer.next();
-    advancePast(Token::LeftParenthesis, "'(' expected"_L1);
+    advancePast(Token::LeftParenthesis, "'(' expected");
     Node operand = parseExpression();
-    advancePast(Token::RightParenthesis, "')' expected"_L1);
+    advancePast(Token::RightParenthesis, "')' expected");
     return make<SizeofExpression>(std::move(operand), &parser);
 }
 
+/// addressof = "addressof" "(" string "," decimal ")"
 TreeParser::Node TreeParser::parseAddressofLine()
 {
     lexer.next();
-    advancePast(Token::LeftParenthesis, "'(' expected"_L1);
-    require(Token::String, "string expected"_L1);
-    const QString fileName = takeText(unquoted(lexer.tokenBytes()));
+    advancePast(Token::LeftParenthesis, "'(' expected");
+    require(Token::String, "string expected");
+    std::string fileName = takeText(unquoted(lexer.tokenBytes()));
     lexer.next();
-    advancePast(Token::Comma, "',' expected"_L1);
-    require(Token::DecimalNumber, "int expected"_L1);
-    const qint64 line = lexer.tokenToInt64();
+    advancePast(Token::Comma, "',' expected");
+    require(Token::DecimalNumber, "int expected");
+    const std::int64_t line = lexer.tokenToInt64();
     lexer.next();
-    advancePast(Token::RightParenthesis, "')' expected"_L1);
-    return make<AddressofLineExpression>(fileName, line, &parser);
+    advancePast(Token::RightParenthesis, "')' expected");
+    return make<AddressofLineExpression>(std::move(fileName), line, &parser);
 }
 
-TreeParser::Node TreeParser::parseIdentifier(bool rooted)
+/// name = identifier { "::" identifier }
+TreeParser::Node TreeParser::parseName(bool rooted)
 {
-    require(Token::Identifier, "identifier expected"_L1);
-    QStringList parts(takeText(lexer.tokenBytes()));
+    require(Token::Identifier, "identifier expected");
+    std::vector<std::string> parts{takeText(lexer.tokenBytes())};
     lexer.next();
     while (lexer.kind() == Token::Scope) {
         lexer.next();
-        require(Token::Identifier, "identifier expected after '::'"_L1);
+        require(Token::Identifier, "identifier expected after '::'");
         charge(1);
-        parts.append(takeText(lexer.tokenBytes()));
+        parts.push_back(takeText(lexer.tokenBytes()));
         lexer.next();
     }
     if (parts.size() == 1 && !rooted)
-        return make<IdentifierExpression>(parts.first(), &parser);
-    return make<ScopedIdentifierExpression>(parts, &parser);
+        return make<IdentifierExpression>(std::move(parts.front()), &parser);
+    return make<ScopedIdentifierExpression>(std::move(parts), &parser);
 }
 
 TreeParser::Node TreeParser::parseRegister()
 {
-    Node node = make<RegisterExpression>(takeText(lexer.tokenBytes().sliced(1)), &parser);
+    Node node = make<RegisterExpression>(takeText(lexer.tokenBytes().substr(1)), &parser);
     lexer.next();
     return node;
 }
 
+/// parenthesis = "(" type ")" expression | "(" expression ")"
 TreeParser::Node TreeParser::parseParenthesis()
 {
     lexer.next();
-    if (Node cast = parseCast())
-        return cast;
-    Node inner = parseExpression();
-    advancePast(Token::RightParenthesis, "')' expected"_L1);
-    return inner;
-}
-
-/// Null, with no token taken, where what follows the parenthesis is no type.
-TreeParser::Node TreeParser::parseCast()
-{
-    Type type = parseCastType();
-    if (!type)
-        return nullptr;
-    advancePast(Token::RightParenthesis, "')' expected"_L1);
-    // The operand is all that follows, not just a unary expression.
+    std::unique_ptr<BaseType> type = TypeReader(this).readType();
+    if (!type) {
+        Node inner = parseExpression();
+        advancePast(Token::RightParenthesis, "')' expected");
+        return inner;
+    }
+    advancePast(Token::RightParenthesis, "')' expected");
     Node operand = parseExpression();
     return make<CastExpression>(std::move(type), std::move(operand), &parser);
 }
 
-TreeParser::Node TreeParser::parsePrefixStep(qint32 assignment)
+TreeParser::Node TreeParser::parsePrefixStep(Token::Kind assignment)
 {
     lexer.next();
-    const qsizetype sizeBefore = size;
+    const std::size_t sizeBefore = size();
     Node target = parseUnary();
-    return makeStep(assignment, std::move(target), size - sizeBefore);
+    return makeStep(assignment, std::move(target), size() - sizeBefore);
 }
 
-/// "++x" and "x++" are both "x += 1".
-TreeParser::Node TreeParser::makeStep(qint32 assignment, Node target, qsizetype targetSize)
+TreeParser::Node TreeParser::makeStep(Token::Kind assignment, Node target, std::size_t targetSize)
 {
     return combine(assignment, std::move(target), make<IntegerConstantExpression>(1), targetSize);
 }
@@ -310,7 +253,8 @@ TreeParser::Node TreeParser::parseDereference()
     return make<LeftSquareBracketExpression>(std::move(base), std::move(zero), &parser);
 }
 
-TreeParser::Node TreeParser::parsePostfix(Node base, qsizetype sizeBefore)
+/// postfix = index | member | call | "++" | "--"
+TreeParser::Node TreeParser::parsePostfix(Node base, std::size_t sizeBefore)
 {
     for (;;) {
         switch (lexer.kind()) {
@@ -322,11 +266,11 @@ TreeParser::Node TreeParser::parsePostfix(Node base, qsizetype sizeBefore)
             base = parseMember(std::move(base));
             break;
         case Token::Increment:
-            base = makeStep(Token::PlusAssign, std::move(base), size - sizeBefore);
+            base = makeStep(Token::PlusAssign, std::move(base), size() - sizeBefore);
             lexer.next();
             break;
         case Token::Decrement:
-            base = makeStep(Token::MinusAssign, std::move(base), size - sizeBefore);
+            base = makeStep(Token::MinusAssign, std::move(base), size() - sizeBefore);
             lexer.next();
             break;
         case Token::LeftParenthesis:
@@ -338,21 +282,23 @@ TreeParser::Node TreeParser::parsePostfix(Node base, qsizetype sizeBefore)
     }
 }
 
+/// index = "[" expression "]"
 TreeParser::Node TreeParser::parseIndex(Node base)
 {
     lexer.next();
     Node index = parseExpression();
-    advancePast(Token::RightBracket, "expected ']'"_L1);
+    advancePast(Token::RightBracket, "expected ']'");
     return make<LeftSquareBracketExpression>(std::move(base), std::move(index), &parser);
 }
 
+/// member = ( "." | "->" ) name
 TreeParser::Node TreeParser::parseMember(Node base)
 {
     lexer.next();
-    return make<DotExpression>(std::move(base), parseIdentifier(false), &parser);
+    return make<DotExpression>(std::move(base), parseName(false), &parser);
 }
 
-/// The arguments are unary expressions, with or without commas between them.
+/// call = "(" { unary [ "," ] } ")"
 TreeParser::Node TreeParser::parseCall(Node base)
 {
     const Nesting nesting(this);
@@ -365,35 +311,4 @@ TreeParser::Node TreeParser::parseCall(Node base)
     }
     lexer.next();
     return make<CallExpression>(std::move(base), std::move(arguments), &parser);
-}
-
-void TreeParser::require(qint32 kind, QLatin1StringView message) const
-{
-    if (lexer.kind() != kind)
-        throw ParserException(message);
-}
-
-void TreeParser::advancePast(qint32 kind, QLatin1StringView message)
-{
-    require(kind, message);
-    lexer.next();
-}
-
-QString TreeParser::takeText(QByteArrayView bytes)
-{
-    charge(bytes.size() / 32);
-    return QString::fromLatin1(bytes);
-}
-
-void TreeParser::charge(qsizetype amount)
-{
-    size += amount;
-    if (size > maximumSize)
-        throw ParserException("expression too large"_L1);
-}
-
-void TreeParser::checkHeight(int height)
-{
-    if (height > maximumDepth)
-        throw ParserException("expression nested too deeply"_L1);
 }

@@ -1,61 +1,60 @@
 #include "types.h"
 
-using namespace Qt::StringLiterals;
+#include "expression.h"
 
-QString BaseType::named() const
+#include <algorithm>
+
+std::string BaseType::name() const
 {
-    QString text;
+    std::string text;
     nameTo(text);
     return text;
 }
 
-void SimpleType::nameTo(QString &text) const
+void SimpleType::nameTo(std::string &text) const
 {
-    static constexpr QLatin1StringView names[] = {"char"_L1, "short"_L1, "int"_L1, "long"_L1,
-                                                  "long long"_L1};
+    static constexpr const char *names[] = {"char", "short", "int", "long", "long long"};
     if (isUnsigned)
-        text += "unsigned "_L1;
+        text += "unsigned ";
     text += names[code];
 }
 
-void UserType::nameTo(QString &text) const
-{
-    text += typeName;
-}
-
-void StructType::nameTo(QString &text) const
+void StructType::nameTo(std::string &text) const
 {
     for (const Field &field : fields) {
         field.type->nameTo(text);
-        text += u' ' + field.name;
+        text.append(" ").append(field.name);
         if (field.bitCount != 0)
-            text += u':' + QString::number(field.bitCount);
-        text += u';';
+            text.append(":").append(std::to_string(field.bitCount));
+        text += ';';
     }
 }
 
-void RegisterType::nameTo(QString &text) const
+void RegisterType::nameTo(std::string &text) const
 {
-    text += QString::number(size);
+    text += std::to_string(size);
     for (const Field &field : fields) {
-        text += u' ' + field.name + u' ' + QString::number(field.bitOffset) + u' ' +
-                QString::number(field.bitSize);
+        text.append(" ").append(field.name);
+        text.append(" ").append(std::to_string(field.bitOffset));
+        text.append(" ").append(std::to_string(field.bitSize));
     }
 }
 
 ArrayType::ArrayType(std::unique_ptr<BaseType> element, std::unique_ptr<Expression> count)
-    : BaseType(1 + qMax(element->height(), count->height())),
+    : BaseType(1 + std::max(element->height(), count->height())),
       elementType(std::move(element)),
       elementCount(std::move(count))
 {
 }
 
-void ArrayType::nameTo(QString &text) const
+ArrayType::~ArrayType() = default;
+
+void ArrayType::nameTo(std::string &text) const
 {
     elementType->nameTo(text);
-    text += u'[';
+    text += '[';
     elementCount->dumpTo(text);
-    text += u']';
+    text += ']';
 }
 
 PointerType::PointerType(std::unique_ptr<BaseType> target)
@@ -64,8 +63,8 @@ PointerType::PointerType(std::unique_ptr<BaseType> target)
 {
 }
 
-void PointerType::nameTo(QString &text) const
+void PointerType::nameTo(std::string &text) const
 {
     targetType->nameTo(text);
-    text += u'*';
+    text += '*';
 }

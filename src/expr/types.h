@@ -1,9 +1,12 @@
 #pragma once
 
-#include "expression.h"
-
+#include <cstdint>
 #include <memory>
+#include <string>
+#include <utility>
 #include <vector>
+
+class Expression;
 
 /// What a cast converts to, as written in the text. A description owns the descriptions and
 /// expressions that it is made of and does not change once it is read.
@@ -11,23 +14,19 @@ class BaseType
 {
 public:
     /// The type as text: "unsigned long*", "int[Constant(4)]".
-    virtual QString name() const = 0;
+    std::string name() const;
+    /// Appends the same.
+    virtual void nameTo(std::string &text) const = 0;
     virtual ~BaseType() = default;
-
-    /// Appends what name() returns.
-    virtual void nameTo(QString &text) const = 0;
 
     /// How many calls deep naming and releasing the type go at most.
     int height() const { return levels; }
 
     BaseType(const BaseType &) = delete;
-    BaseType(BaseType &&) = delete;
     BaseType &operator=(const BaseType &) = delete;
-    BaseType &operator=(BaseType &&) = delete;
 
 protected:
-    explicit BaseType(int height) : levels(height) {}
-    QString named() const;
+    explicit BaseType(int height = 1) : levels(height) {}
 
 private:
     int levels;
@@ -36,16 +35,10 @@ private:
 class SimpleType : public BaseType
 {
 public:
-    enum Code : qint32 { Char = 0, Short = 1, Int = 2, Long = 3, LongLong = 4 };
+    enum Code : std::int32_t { Char = 0, Short = 1, Int = 2, Long = 3, LongLong = 4 };
 
-    SimpleType(Code typeCode, bool withoutSign)
-        : BaseType(1),
-          code(typeCode),
-          isUnsigned(withoutSign)
-    {
-    }
-    QString name() const override { return named(); }
-    void nameTo(QString &text) const override;
+    SimpleType(Code typeCode, bool withoutSign) : code(typeCode), isUnsigned(withoutSign) {}
+    void nameTo(std::string &text) const override;
 
     Code code;
     bool isUnsigned;
@@ -55,20 +48,19 @@ public:
 class UserType : public BaseType
 {
 public:
-    explicit UserType(QString name) : BaseType(1), typeName(std::move(name)) {}
-    QString name() const override { return named(); }
-    void nameTo(QString &text) const override;
+    explicit UserType(std::string name) : typeName(std::move(name)) {}
+    void nameTo(std::string &text) const override { text += typeName; }
 
-    QString typeName;
+    std::string typeName;
 };
 
 class StructType : public BaseType
 {
 public:
     struct Field {
-        QString name;  ///< may be empty
+        std::string name;  ///< may be empty
         std::unique_ptr<BaseType> type;
-        qint32 bitCount = 0;  ///< 0: not a bit field
+        std::int32_t bitCount = 0;  ///< 0: not a bit field
     };
 
     /// The fields are simple and user types, which are of height 1.
@@ -77,8 +69,7 @@ public:
           fields(std::move(structFields))
     {
     }
-    QString name() const override { return named(); }
-    void nameTo(QString &text) const override;
+    void nameTo(std::string &text) const override;
 
     std::vector<Field> fields;
 };
@@ -88,21 +79,19 @@ class RegisterType : public BaseType
 {
 public:
     struct Field {
-        QString name;
-        qint32 bitOffset = 0;
-        qint32 bitSize = 0;
+        std::string name;
+        std::int32_t bitOffset = 0;
+        std::int32_t bitSize = 0;
     };
 
-    RegisterType(qint32 registerSize, std::vector<Field> registerFields)
-        : BaseType(1),
-          size(registerSize),
+    RegisterType(std::int32_t registerSize, std::vector<Field> registerFields)
+        : size(registerSize),
           fields(std::move(registerFields))
     {
     }
-    QString name() const override { return named(); }
-    void nameTo(QString &text) const override;
+    void nameTo(std::string &text) const override;
 
-    qint32 size;
+    std::int32_t size;
     std::vector<Field> fields;
 };
 
@@ -110,8 +99,8 @@ class ArrayType : public BaseType
 {
 public:
     ArrayType(std::unique_ptr<BaseType> element, std::unique_ptr<Expression> count);
-    QString name() const override { return named(); }
-    void nameTo(QString &text) const override;
+    ~ArrayType() override;
+    void nameTo(std::string &text) const override;
 
     std::unique_ptr<BaseType> elementType;
     std::unique_ptr<Expression> elementCount;  ///< never evaluated here
@@ -121,8 +110,7 @@ class PointerType : public BaseType
 {
 public:
     explicit PointerType(std::unique_ptr<BaseType> target);
-    QString name() const override { return named(); }
-    void nameTo(QString &text) const override;
+    void nameTo(std::string &text) const override;
 
     std::unique_ptr<BaseType> targetType;
 };

@@ -1,92 +1,102 @@
 #include "valueformat.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
-
-using namespace Qt::StringLiterals;
+#include <iterator>
 
 namespace
 {
 
 struct Notation {
     int base;
-    QLatin1StringView prefix;
-    quint32 bitsPerDigit;
+    const char *prefix;
+    std::size_t bitsPerDigit;
 };
 
-constexpr Notation notations[] = {{16, "0x"_L1, 4}, {8, "0"_L1, 3}, {2, "0b"_L1, 1}};
+constexpr Notation notations[] = {{16, "0x", 4}, {8, "0", 3}, {2, "0b", 1}};
 
-const Notation *findNotation(int base)
+/// What printf makes of one number.
+template <typename Number>
+std::string formatted(const char *format, Number number)
 {
-    for (const Notation &notation : notations) {
-        if (notation.base == base)
-            return &notation;
-    }
-    return nullptr;
+    const int length = std::snprintf(nullptr, 0, format, number);
+    std::string text(static_cast<std::size_t>(std::max(length, 0)), '\0');
+    std::snprintf(text.data(), text.size() + 1, format, number);
+    return text;
 }
 
-QString characterText(quint16 code)
+std::string characterText(std::uint16_t code)
 {
     if (code >= 32 && code <= 126)
-        return {QChar(code)};
-    return QString::asprintf("\\u%04x", static_cast<unsigned int>(code));
+        return {static_cast<char>(code)};
+    return formatted("\\u%04x", static_cast<unsigned int>(code));
 }
 
-QString floatingText(double value, const char *format)
+std::string floatingText(double value, const char *format)
 {
     if (std::isnan(value))
-        return QStringLiteral("NaN");
+        return "NaN";
     if (std::isinf(value))
-        return QStringLiteral("Inf");
-    // Not QString::asprintf, whose "%g" is Qt's own and not the C library's.
-    const char *used = format ? format : "%g";
-    const int length = std::snprintf(nullptr, 0, used, value);
-    QByteArray text(qMax(length, 0), '\0');
-    std::snprintf(text.data(), static_cast<std::size_t>(text.size()) + 1, used, value);
-    return QString::fromLatin1(text);
+        return "Inf";
+    return formatted(format ? format : "%g", value);
 }
 
-QString decimalText(const ExpressionValue &value, const char *format)
+std::string decimalText(const ExpressionValue &value, const char *format)
 {
-    if (value.kind == ExpressionValue::Floating)
+    if (value.kind == PlainValue::Floating)
         return floatingText(value.toDouble(), format);
-    return value.kind == ExpressionValue::Signed ? QString::number(value.toInt64())
-                                                 : QString::number(value.toUInt64());
+    return value.kind == PlainValue::Signed ? std::to_string(value.toInt64())
+                                            : std::to_string(value.toUInt64());
 }
 
-QString notationText(const ExpressionValue &value, const Notation &notation, bool zeroPad)
+std::string notationText(const ExpressionValue &value, const Notation &notation, bool zeroPad)
 {
-    const quint32 width = value.bitWidth ? value.bitWidth : static_cast<quint32>(value.size) * 8;
-    const quint32 bits = qMin(width, 64U);
-    const quint32 digits = (bits + notation.bitsPerDigit - 1) / notation.bitsPerDigit;
-    const QString number = QString::number(value.toUInt64(), notation.base);
-    return notation.prefix + (zeroPad ? number.rightJustified(digits, u'0') : number);
+    const std::size_t width =
+        value.bitWidth ? value.bitWidth : static_cast<std::uint32_t>(value.size) * 8;
+    const std::size_t bits = std::min<std::size_t>(width, 64);
+    char digits[64];
+    const char *end =
+        std::to_chars(std::begin(digits), std::end(digits), value.toUInt64(), notation.base).ptr;
+    const auto length = static_cast<std::size_t>(end - digits);
+    const std::size_t wanted = (bits + notation.bitsPerDigit - 1) / notation.bitsPerDigit;
+    std::string text = notation.prefix;
+    if (zeroPad && wanted > length)
+        text.append(wanted - length, '0');
+    return text.append(digits, length);
 }
 
-QString numberText(const ExpressionValue &value, int base, bool zeroPad, bool asCharacter,
-                   const char *format)
+std::string numberText(const ExpressionValue &value, int base, bool zeroPad, bool asCharacter,
+                       const char *format)
 {
     if (asCharacter)
-        return characterText(static_cast<quint16>(value.payload));
-    const Notation *notation = findNotation(base);
-    return notation ? notationText(value, *notation, zeroPad) : decimalText(value, format);
+        return characterText(static_cast<std::uint16_t>(value.payload));
+    for (const Notation &notation : notations) {
+        if (notation.base == base)
+            return notationText(value, notation, zeroPad);
+    }
+    return decimalText(value, format);
 }
 
 }  // namespace
 
-QString toString(const ExpressionValue &value, int base, bool zeroPad, bool asCharacter,
-                 const char *format)
+std::string toString(const ExpressionValue &value, int base, bool zeroPad, bool asCharacter,
+                     const char *format)
 {
     switch (value.kind) {
-    case ExpressionValue::Boolean:
-        return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
-    case ExpressionValue::String:
-        return value.text;
-    case ExpressionValue::Object:
-        return value.object.get()->text();
-    case ExpressionValue::Void:
-        return {};
-    default:
+    case PlainValue::Boolean:
+        return value.toBool() ? "true" : "false";
+    case PlainValue::Signed:
+    case PlainValue::Unsigned:
+    case PlainValue::Floating:
         return numberText(value, base, zeroPad, asCharacter, format);
+    case PlainValue::String:
+        return value.text;
+    case PlainValue::Object:
+        return value.object.get()->text();
+    case PlainValue::Void:
+        break;
     }
+    return {};
 }

@@ -13,5 +13,5 @@
 /// With \a asCharacter a number is the character of the low 16 bits of its payload, or "\u" and
 /// four hexadecimal digits where that is none of ASCII's printable ones. A null format is "%g".
 /// A base other than these four counts as 10.
-QString toString(const ExpressionValue &value, int base = 10, bool zeroPad = false,
-                 bool asCharacter = false, const char *format = nullptr);
+std::string toString(const ExpressionValue &value, int base = 10, bool zeroPad = false,
+                     bool asCharacter = false, const char *format = nullptr);
