@@ -21,7 +21,7 @@ class FuzzedDocument : public XMLPP2
 {
 public:
     /// As in the command, the first error ends the run.
-    [[noreturn]] void reportError(const QString &) override { throw std::bad_alloc(); }
+    [[noreturn]] void reportError(const std::string &) override { throw std::bad_alloc(); }
 };
 
 /// Every include adds a "./" to the name.
@@ -59,7 +59,7 @@ FILE *openFile(const std::string &name, const char *mode)
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const std::string input(reinterpret_cast<const char *>(data), size);
-    const QString macros = QString::fromLatin1(readFiles(input));
+    const std::string macros = readFiles(input);
     for (const bool expand : {true, false}) {
         FuzzedDocument document;
         document.limits = {
@@ -68,7 +68,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         globalMacros.limits.length = 1 << 14;
         bool isDone = false;
         try {
-            isDone = document.preprocessFile(QStringLiteral("in.xml"), macros, expand);
+            isDone = document.preprocessFile("in.xml", macros, expand);
         } catch (const std::bad_alloc &) {
             // An error, or an expansion that is too long: legal ends.
         }

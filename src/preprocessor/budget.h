@@ -33,8 +33,6 @@ namespace directive
 enum class Price : std::uint32_t {
     Nanosecond = 10,  ///< for what tells its cost itself
     Character = 3,    ///< of a name looked up, a list searched, a value stored
-    ExpressionCharacter = 180,
-    ExpressionFailure = 25'000,
     Alternative = 50,     ///< cut from its list and compared
     ListItem = 80,        ///< a value of a foreach
     MacroItem = 800,      ///< a macro set

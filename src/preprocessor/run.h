@@ -31,8 +31,7 @@ public:
     {
         SimpleExpressionParser parser;
         const Value value = (parser.*evaluate)(text.c_str(), ok);
-        budget.spend(Price::ExpressionCharacter, text.size());
-        budget.spend(Price::ExpressionFailure, *ok ? 0 : 1);
+        budget.spend(Price::Nanosecond, parser.steps());
         return value;
     }
 
