@@ -8,7 +8,7 @@
 /// What libFuzzer calls with every input.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
-/// Ends the run as a find when \a left is not \a right, which are shown.
+/// Ends the run as a find when \a left is not \a right.
 inline void requireEqual(const std::string &left, const std::string &right)
 {
     if (left == right)
@@ -21,15 +21,15 @@ inline void requireEqual(const std::string &left, const std::string &right)
 /// name, whose tags are read as end tags.
 inline void requireStable(XMLDocument *document, int indent)
 {
-    const auto writeTo = [indent](XMLDocument *from) {
+    const auto bytesOf = [indent](XMLDocument *from) {
         return written([=](FILE *stream) { from->write(stream, indent); });
     };
-    const std::string bytes = writeTo(document);
+    const std::string bytes = bytesOf(document);
     for (const char *nameless : {"<>", "</>", "< "}) {
         if (bytes.find(nameless) != std::string::npos)
             return;
     }
     XMLDocument again(document->keepComments);
     requireEqual(again.parse(std::string(bytes).data()) ? "" : again.errorMessage, "");
-    requireEqual(bytes, writeTo(&again));
+    requireEqual(bytes, bytesOf(&again));
 }

@@ -5,7 +5,6 @@
 #include <fstream>
 #include <iterator>
 #include <string>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -44,18 +43,15 @@ private:
     std::string directory;
 };
 
-/// What one run of the built command did.
+/// What one run of a program did.
 struct CommandResult {
     int status = 0;  ///< the exit status, or 128 and the signal that ended it
     std::string output;
     std::string error;
-    double seconds = 0;    ///< of the processor
-    double mebibytes = 0;  ///< resident at most
 };
 
 /// Runs \a arguments (the program first) in \a directory to its end, for 60 seconds at most.
-inline CommandResult runCommand(const std::vector<std::string> &arguments,
-                                const std::string &directory)
+inline CommandResult runCommand(std::vector<std::string> arguments, const std::string &directory)
 {
     const ScratchDirectory scratch;
     const std::string output = scratch.file("stdout");
@@ -64,9 +60,8 @@ inline CommandResult runCommand(const std::vector<std::string> &arguments,
     if (child == 0) {
         alarm(60);  // goes on counting in the program
         std::vector<char *> argv;
-        argv.reserve(arguments.size() + 1);
-        for (const std::string &argument : arguments)
-            argv.push_back(const_cast<char *>(argument.c_str()));
+        for (std::string &argument : arguments)
+            argv.push_back(argument.data());
         argv.push_back(nullptr);
         if (chdir(directory.c_str()) == 0 && freopen(output.c_str(), "wb", stdout) &&
             freopen(error.c_str(), "wb", stderr))
@@ -74,12 +69,7 @@ inline CommandResult runCommand(const std::vector<std::string> &arguments,
         _exit(127);
     }
     int status = 0;
-    rusage usage = {};
-    wait4(child, &status, 0, &usage);
-    const auto seconds = [](const timeval &time) {
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-    };
+    waitpid(child, &status, 0);
     return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status), readFile(output),
-            readFile(error), seconds(usage.ru_utime) + seconds(usage.ru_stime),
-            static_cast<double>(usage.ru_maxrss) / 1024};
+            readFile(error)};
 }

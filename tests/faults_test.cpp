@@ -26,7 +26,7 @@ TEST_P(Fault, EndsInTheRightOutputOrInOneLineAndNoTrace)
 <switch name="m"><case value="1"><g/></case></switch><![CDATA[text]]>)xml" +
                                 std::string(20'000, ' ') + "</r>");
     scratch.write("d/b.xml", "<b v=\"$(a)$(b)\"><h v=\"$(m)\"/></b>");
-    runCommand({XMLPP_DYNAMIC, "in.xml", "out.xml", "m=1"}, scratch.path());
+    runCommand({XMLPP_COMMAND, "in.xml", "out.xml", "m=1"}, scratch.path());
     const std::string right = readFile(out);
     int failed = 0;
     for (int number = 1; number < 5000 && !HasFailure(); ++number) {
@@ -36,7 +36,7 @@ TEST_P(Fault, EndsInTheRightOutputOrInOneLineAndNoTrace)
         std::filesystem::remove(mark);
         const CommandResult result = runCommand(
             {"/usr/bin/env", std::string("LD_PRELOAD=") + XMLPP_FAULTS, "FAULT_MARK=" + mark,
-             std::string("FAULT=") + GetParam() + ':' + std::to_string(number), XMLPP_DYNAMIC,
+             std::string("FAULT=") + GetParam() + ':' + std::to_string(number), XMLPP_COMMAND,
              "in.xml", "out.xml", "m=1"},
             scratch.path());
         EXPECT_EQ(result.status, result.error.empty() ? 0 : 1) << result.error;

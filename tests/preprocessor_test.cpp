@@ -1,165 +1,208 @@
 // The walk from within: errors that return, bounds, and what the command line does not reach.
 
-#include "treetext.h"
+#include "command.h"
+#include "written.h"
 #include "xmlpp2.h"
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 
 namespace
 {
 
+void expectParents(const XMLNode *parent)
+{
+    for (const XMLNode *child = parent->firstChild; child; child = child->nextSibling) {
+        EXPECT_EQ(child->parent, parent);
+        expectParents(child);
+    }
+}
+
+/// A document whose errors return. A ' stands for a " in what goes in and what comes out.
 class Recorder : public XMLPP2
 {
 public:
     using XMLPP2::XMLPP2;
 
-    void reportError(const std::string &message) override
-    {
-        errors += std::string(message).replace(0, 29, " !");
-    }
+    /// Leaves out what all messages begin with.
+    void reportError(const std::string &message) override { errors += " ! " + message.substr(30); }
 
-    /// Parses \a text, in which a ' stands for a ", and walks; the tree, then the errors.
-    std::string walk(std::string text, bool expand = true)
+    void read(std::string document)
     {
         const CurrentPool current(this);
-        std::ranges::replace(text, '\'', '"');
-        EXPECT_TRUE(parse(text.data()));
-        processConditionals(root, "dir/in.xml", macros, expand);
-        return treeText(root) + errors;
+        std::ranges::replace(document, '\'', '"');
+        EXPECT_TRUE(parse(document.data()));
+    }
+
+    /// The document in one line, then each error behind a " ! ".
+    std::string walk(XMLNode *from, bool expand = true)
+    {
+        const CurrentPool current(this);
+        processConditionals(from, directory + "/in.xml", macros, expand);
+        if (root)
+            expectParents(root);
+        std::string result = written([this](FILE *stream) { write(stream, 0); }) + errors;
+        std::ranges::replace(result, '"', '\'');
+        return result;
     }
 
     MacroMap macros;
+    std::string directory = "no";
     std::string errors;
 };
 
-void expectWalks(std::initializer_list<std::string> cases, const Limits &limits = {},
-                 bool expand = true)
+struct Row {
+    const char *document;
+    const char *result;
+};
+
+void expectWalks(const std::vector<Row> &rows, const Limits &limits = {}, bool expand = true)
 {
-    expectAll(cases, [&](const std::string &text) {
-        Recorder document(false);
-        document.limits = limits;
-        return document.walk(text, expand);
-    });
+    for (const auto &[document, result] : rows) {
+        Recorder recorder;
+        recorder.limits = limits;
+        recorder.read(document);
+        EXPECT_EQ(recorder.walk(recorder.root, expand), result) << document;
+    }
 }
 
 TEST(Walk, GoesOnAfterAnErrorThatReturns)
 {
-    const std::string form = R"( ! <for index="i" start="0" end="32" incr="1">)";
-    const std::string lost = R"( ! error "couldn't read dir/no" in include file dir/no line:0)";
-    const std::string one = " ! one condition required for <if[not]>";
     expectWalks({
-        "<r><if><b v='$(x:1)'/></if></r> => r(if(b[v=1]))" + one,
-        "<r><ifnot a='1' b='2'><b/></ifnot></r> => r(ifnot[a=1 b=2](b))" + one,
-        "<r><include><b/></include><c/></r> => r(include(b),c) ! missing filename in <include>",
-        "<r><include filename='no'><b/></include></r> => r(include[filename=no](b))" + lost,
-        "<r><define value='1'/><a/></r> => r(a) ! missing name in <define>",
-        "<r><define name='x'/><ifdef name='x'/></r> => r ! missing value or expression in <define>",
-        "<r><for index='i' start='0' end='1'><a/></for><b/></r> => r(b)" + form,
-        "<r><for index='i' start='0' end='1' incr='1'/></r> => r" + form,
-        "<r><for index='i' start='0' end='1' incr='0'><a/></for></r> => r" + form,
-        "<r><xmlput name='$(n:f)'><b/></xmlput><xmldef name='f'/></r> => r(xmlput[name=f](b)) ! "
-        "xmlput cannot fine xmldef named f",
+        {"<if><b v='$(x:1)'/></if>", "<if><b v='1'/></if> ! one condition required for <if[not]>"},
+        {"<ifnot a='1' b='2'><b/></ifnot>",
+         "<ifnot a='1' b='2'><b/></ifnot> ! one condition required for <if[not]>"},
+        {"<include><b/></include>", "<include><b/></include> ! missing filename in <include>"},
+        {"<include filename='a'><b/></include>",
+         "<include filename='a'><b/></include>"
+         " ! error 'couldn't read no/a' in include file no/a line:0"},
+        {"<include filename='/dev/null'/>",
+         "<include filename='/dev/null'/> ! error: include file '/dev/null' is empty"},
+        {"<r><define value='1'/><a/></r>", "<r><a/></r> ! missing name in <define>"},
+        {"<define name='x'/>", " ! missing value or expression in <define>"},
+        {"<r><for start='0' end='1' incr='1'><a/></for><b/></r>",
+         "<r><b/></r> ! <for index='i' start='0' end='32' incr='1'>"},
+        {"<for index='i' start='0' end='1' incr='1'/>",
+         " ! <for index='i' start='0' end='32' incr='1'>"},
+        {"<for index='i' start='0' end='1' incr='0'><a/></for>",
+         " ! <for index='i' start='0' end='32' incr='1'>"},
+        {"<xmlput name='$(n:f)'><b/></xmlput>",
+         "<xmlput name='f'><b/></xmlput> ! xmlput cannot fine xmldef named f"},
     });
 }
 
-TEST(Walk, TakesWhatIsMissingInItsOwnWay)
+TEST(Walk, LeavesADocument)
 {
-    expectWalks(
-        {"<r><define name='' value='e'/><ifdef><a/></ifdef><ifndef><b/></ifndef><switch><case "
-         "value='e'><c/></case></switch></r> => r(a,c)",
-         "<r><xmldef><if m=''><a/></if><xmlput macros='m=1'/></xmldef></r> => "
-         "r(xmldef(xmlput[macros=m=1]))",
-         "<r><ifex expression='1==1 behind'><a/></ifex><ifex expression=''><b/></ifex><ifex><c/>"
-         "</ifex><ifex expression=' '><d/></ifex></r> => r(a,ifex[expression=](b),ifex(c))"});
-}
-
-TEST(Walk, LeavesOneRootOrNone)
-{
-    const std::string wrong = " ! the document needs exactly one root element";
-    expectWalks({"<ifdef name='x'><a/></ifdef> => null", "<ifndef name='x'/> => null",
-                 "<ifndef name='x'><a/></ifndef> => a", "<xmldef name='f'/> => null",
-                 "<define name='x' value='1'/> => null", "<xmldef/> => xmldef",
-                 "<foreach x='1'><a v='$(x)'/></foreach> => a[v=1]",
-                 "<ifndef name='x'><a/><b/></ifndef> => a" + wrong,
-                 "<ifndef name='x'><![CDATA[c]]></ifndef> => [c]" + wrong,
-                 "<foreach x='1,2'><ifdef name='n'/><a/></foreach> => a" + wrong,
-                 "<switch name='s'><default><a/></default></switch> => a"});
-}
-
-TEST(Walk, PassesOverWhatIsNoElement)
-{
-    expectAll({"<r>1<!--c--><ifndef name='x'>2<![CDATA[$(x)]]></ifndef>3</r> => "
-               "r(#1,!c,#,#2,[$(x)],#,#3)",
-               "<r><switch name='x'>t<default>u</default></switch></r> => r(#,#u,#)"},
-              [](const std::string &text) { return Recorder(true).walk(text); });
+    expectWalks({
+        {"<ifndef name='x'><a/><b/></ifndef>",
+         "<a/> ! the document needs exactly one root element"},
+        {"<ifndef name='x'><![CDATA[a]]></ifndef>",
+         "<![CDATA[a]]> ! the document needs exactly one root element"},
+    });
 }
 
 TEST(Walk, LeavesAttributesAloneWithoutExpansion)
 {
-    expectWalks({"<r v='$(x:1)'><define name='x' value='$(y:2)'/><if x='$(y:2)'><a/></if><define "
-                 "name='n' value='1'/><ifex expression='$(n)==1'><b v='$(n)'/></ifex></r> => "
-                 "r[v=$(x:1)](a,b[v=$(n)])",
-                 "<r><xmldef name='f'><a v='$(x)'/></xmldef><xmlput name='f' macros='x=1'/><xmlput "
-                 "name='f' macros='x=1' expand_macros=''/><xmlput name='f' expand_macros=''/></r> "
-                 "=> r(a[v=$(x)],a[v=1],a[v=$(x)])",
-                 "<r><define name='n' value='3'/><for index='i' start='1' end='2' incr='1' "
-                 "mul='$(n)' add='$(n)+1'><a v='$(i_ap)'/></for><for index='i' start='0' "
-                 "end='$(n)' incr='1'><b/></for></r> => r(a[v=7])"},
-                {}, false);
+    expectWalks(
+        {{"<r><define name='x' value='$(y:2)'/><if x='$(y:2)'><a v='$(x)'/></if></r>",
+          "<r><a v='$(x)'/></r>"},
+         {"<r><xmldef name='f'><a v='$(x)'/></xmldef><xmlput name='f' macros='x=1'/>"
+          "<xmlput name='f' macros='x=1' expand_macros=''/><xmlput name='f' expand_macros=''/></r>",
+          "<r><a v='$(x)'/><a v='1'/><a v='$(x)'/></r>"}},
+        {}, false);
+}
+
+TEST(Walk, PassesOverWhatIsNoElement)
+{
+    Recorder recorder(true);
+    recorder.read("<r>1<!--c--><ifndef name='x'>2<![CDATA[$(x)]]></ifndef>"
+                  "<switch name='x'>t<!--c--><default>3</default></switch>4</r>");
+    EXPECT_EQ(recorder.walk(recorder.root), "<r>1<!--c-->2<![CDATA[$(x)]]>34</r>");
 }
 
 TEST(Walk, StartsAnywhereInAChain)
 {
-    Recorder document;
-    std::string text = R"-(<r><define name="x" value="1"/><ifdef name="x"><a/></ifdef>)-"
-                       R"-(<define name="y" value="$(x:0)"/><include filename="0"/></r>)-";
-    ASSERT_TRUE(document.parse(text.data()));
-    const CurrentPool current(&document);
-    document.macros["x"] = "2";
-    document.processConditionals(document.root->firstChild->nextSibling, "/in", document.macros,
-                                 true);
-    EXPECT_EQ(treeText(document.root) + document.errors,
-              "r(define[name=x value=1],a,include[filename=0]) ! error \"couldn't read //0\" in "
-              "include file //0 line:0");
-    EXPECT_EQ(document.macros["y"], "2");
-    document.processConditionals(nullptr, "", document.macros, true);
+    Recorder recorder;
+    recorder.read("<r><define name='x' value='1'/><ifdef name='x'><a/></ifdef>"
+                  "<define name='y' value='$(x:0)'/><include filename='0'/></r>");
+    recorder.macros["x"] = "2";
+    recorder.directory = "";
+    EXPECT_EQ(recorder.walk(recorder.root->firstChild->nextSibling),
+              "<r><define name='x' value='1'/><a/><include filename='0'/></r>"
+              " ! error 'couldn't read //0' in include file //0 line:0");
+    EXPECT_EQ(recorder.macros["y"], "2");
+    recorder.walk(nullptr);
 }
 
 TEST(Limits, AreMetFromBothSides)
 {
-    const std::string deep = " ! nested more than 3 levels deep";
-    const std::string tooMany = " ! more than 4 rounds in ";
-    const std::string loop = "<r><for index='i' start=";
     expectWalks(
-        {"<a><b><c/></b></a> => a(b(c))", "<a><b><c><d/></c></b></a> => a(b(c(d)))" + deep,
-         "<a><xmldef name='f'><b><xmlput name='f'/></b></xmldef><xmlput name='f'/></a> => "
-         "a(b(xmlput[name=f]))" +
-             deep,
-         "<include filename='/b'/> => include[filename=/b] ! more than 0 nested includes at /b",
-         loop + "'0' end='8' incr='2'><a/></for></r> => r(a,a,a,a)",
-         loop + "'0' end='9' incr='2'><a/></for><b/></r> => r(b)" + tooMany + "<for>",
-         loop + "'0' end='5' incr='4294967295'><a/></for></r> => r(a)",
-         loop + "'2' end='4294967295' incr='2147483648'><a/></for></r> => r" + tooMany + "<for>",
-         "<r><foreach x='1,2' y='1,2'><a/></foreach></r> => r(a,a,a,a)",
-         "<r><foreach x='1,2' y='1,2,3'><a/></foreach></r> => r" + tooMany + "<foreach>",
-         "<r><foreach x='1,2,3' y='1,2,3' z=','><a/></foreach></r> => r"},
+        {{"<a><b><c/></b><b><c/></b></a>", "<a><b><c/></b><b><c/></b></a>"},
+         {"<a><b><c><d/></c></b></a>",
+          "<a><b><c><d/></c></b></a> ! nested more than 3 levels deep"},
+         {"<include filename='/b'/>",
+          "<include filename='/b'/> ! more than 0 nested includes at /b"},
+         {"<r><for index='i' start='0' end='8' incr='2'><a/></for></r>", "<r><a/><a/><a/><a/></r>"},
+         {"<for index='i' start='0' end='9' incr='2'><a/></for>", " ! more than 4 rounds in <for>"},
+         {"<for index='i' start='0' end='5' incr='4294967295'><a/></for>", "<a/>"},
+         {"<for index='i' start='2' end='4294967295' incr='2147483648'><a/></for>",
+          " ! more than 4 rounds in <for>"},
+         {"<r><foreach x='1,2' y='1,2'><a/></foreach></r>", "<r><a/><a/><a/><a/></r>"},
+         {"<r><foreach x='1,2,3,4,5'><a/></foreach><b/></r>",
+          "<r><b/></r> ! more than 4 rounds in <foreach>"},
+         {"<foreach x='1,2,3' y='1,2,3' z=','><a/></foreach>", ""}},
         {.nestedLevels = 3, .nestedIncludes = 0, .loopRounds = 4});
-    const std::string tooMuch = " ! directives bring more than 500 bytes into the document";
-    expectWalks({loop + "'0' end='5' incr='1'><a/></for></r> => r(a,a,a,a,a)",
-                 "<r><for index='i' start='0' end='9' incr='1'><a/></for></r> => r(for[index=i "
-                 "start=0 end=9 incr=1](a))" +
-                     tooMuch,
-                 "<r><xmldef name='f'><xmlput name='f'/></xmldef><xmlput name='f'/></r> => "
-                 "r(xmlput[name=f])" +
-                     tooMuch},
-                {.growth = 500});
-    const std::string work = " ! directives make more than 1000000 steps of work";
-    const std::string rounds =
-        "' incr='1'><define name='x' expression='$(i)+1111'/></for></r> => r";
-    expectWalks({loop + "'0' end='500" + rounds}, {.work = 1000000});
-    Recorder document(false);
-    document.limits.work = 1000000;
-    EXPECT_TRUE(document.walk((loop + "'0' end='5000" + rounds).substr(0, 100)).ends_with(work));
+}
+
+/// To put \a fragment twice is within \a limits, to put it 5,000 times is not.
+void expectBound(const std::string &fragment, const Limits &limits, const std::string &error)
+{
+    const ScratchDirectory scratch;
+    scratch.write("a.xml", "<a/>");
+    for (const std::string times : {"2", "5000"}) {
+        Recorder recorder;
+        recorder.limits = limits;
+        recorder.directory = scratch.path();
+        recorder.read("<r><xmldef name='e'/><xmldef name='f'>" + fragment +
+                      "</xmldef><for index='i' start='0' end='" + times +
+                      "' incr='1'><xmlput name='f'/></for></r>");
+        recorder.walk(recorder.root);
+        EXPECT_EQ(recorder.errors, times == "2" ? "" : error) << fragment.substr(0, 99);
+    }
+}
+
+TEST(Limits, BoundWhatDirectivesBringIn)
+{
+    for (const char *fragment : {"<a/>", "<include filename='a.xml'/>"}) {
+        expectBound(fragment, {.growth = 50'000},
+                    " ! directives bring more than 50000 bytes into the document");
+    }
+}
+
+std::string repeated(int times, const std::string &piece)
+{
+    std::string all;
+    while (times-- > 0)
+        all += piece;
+    return all;
+}
+
+TEST(Limits, BoundWorkThatBringsNothingIn)
+{
+    const std::string defaults = "<a v='" + repeated(100, "$(u:") + repeated(100, ")") + "'/>";
+    for (const std::string &fragment : {
+             "<ifex expression='1" + repeated(2000, "+1") + "'/>",
+             "<xmlput name='e' macros='" + repeated(5000, "a=1;") + "'/>",
+             "<a v='" + repeated(50'000, "x") + "'/>",
+             "<foreach a='1'>" + defaults + "</foreach>",
+             std::string("<for index='i' start='0' end='900000' incr='1'><![CDATA[]]></for>"),
+             std::string("<include filename='a.xml'/>"),
+             defaults,
+         }) {
+        expectBound(fragment, {.work = 2'000'000},
+                    " ! directives make more than 2000000 steps of work");
+    }
 }
 
 }  // namespace
