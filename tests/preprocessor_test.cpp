@@ -26,7 +26,7 @@ public:
     using XMLPP2::XMLPP2;
 
     /// Leaves out what all messages begin with.
-    void reportError(const QString &message) override { errors += " ! " + message.substr(30); }
+    void reportError(const std::string &message) override { errors += " ! " + message.substr(30); }
 
     void read(std::string document)
     {
@@ -39,7 +39,7 @@ public:
     std::string walk(XMLNode *from, bool expand = true)
     {
         const CurrentPool current(this);
-        processConditionals(from, QString::fromStdString(directory + "/in.xml"), macros, expand);
+        processConditionals(from, directory + "/in.xml", macros, expand);
         if (root)
             expectParents(root);
         std::string result = written([this](FILE *stream) { write(stream, 0); }) + errors;
@@ -118,12 +118,12 @@ TEST(Walk, StartsAnywhereInAChain)
     Recorder recorder;
     recorder.read("<r><define name='x' value='1'/><ifdef name='x'><a/></ifdef>"
                   "<define name='y' value='$(x:0)'/><include filename='0'/></r>");
-    recorder.macros[QStringLiteral("x")] = QStringLiteral("2");
+    recorder.macros["x"] = "2";
     recorder.directory = "";
     EXPECT_EQ(recorder.walk(recorder.root->firstChild->nextSibling),
               "<r><define name='x' value='1'/><a/><include filename='0'/></r>"
               " ! error 'couldn't read //0' in include file //0 line:0");
-    EXPECT_EQ(recorder.macros[QStringLiteral("y")], QStringLiteral("2"));
+    EXPECT_EQ(recorder.macros["y"], "2");
     recorder.walk(nullptr);
 }
 
