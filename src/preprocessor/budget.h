@@ -31,13 +31,17 @@ namespace directive
 /// consists of: the price of a kind of work may be off by a factor of two, not more. Where cost
 /// goes by characters in one text and by items in another, both have a price.
 enum class Price : std::uint32_t {
-    Nanosecond = 10,  ///< for what tells its cost itself
-    Character = 3,    ///< of a name looked up, a list searched, a value stored
-    Alternative = 50,     ///< cut from its list and compared
-    ListItem = 80,        ///< a value of a foreach
-    MacroItem = 800,      ///< a macro set
-    InheritedName = 800,  ///< looked up on both elements
+    Nanosecond = 10,      ///< for what tells its cost itself
+    Character = 2,        ///< of a name looked up, a list searched, a value stored
+    EmptyPiece = 60,      ///< of a list, between two separators
+    Alternative = 80,     ///< cut from its list and compared
+    ListItem = 150,       ///< of a foreach
+    List = 2'000,         ///< the same
+    MacroItem = 250,      ///< of a macro list
+    InheritedName = 250,  ///< looked up on both elements
+    IndexedName = 800,    ///< of an attribute, for those that are inherited
     Include = 34'000,     ///< a file found, opened, read and closed
+    PathPart = 500,       ///< of its name
     IncludedByte = 28,    ///< of the pool, for what was read
     CountedRound = 10,    ///< of a loop whose rounds cannot be computed
     SharedByte = 10,      ///< of text that is written for one more copy

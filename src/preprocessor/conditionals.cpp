@@ -15,13 +15,8 @@ namespace
 bool hasAlternative(Run &run, std::string_view list, std::string_view value)
 {
     bool found = false;
-    std::size_t alternatives = 0;
-    forEachPiece(list, ',', [&](std::string_view alternative) {
-        found = found || alternative == value;
-        ++alternatives;
-    });
-    run.budget.spend(Price::Character, list.size());
-    run.budget.spend(Price::Alternative, alternatives);
+    forEachPiece(&run.budget, Price::Alternative, list, ',',
+                 [&](std::string_view alternative) { found = found || alternative == value; });
     return found;
 }
 

@@ -3,6 +3,7 @@
 #include "pieces.h"
 #include "run.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -35,15 +36,14 @@ std::string resolveFileName(const std::string &fileName, std::string_view includ
 void inheritAttributes(Run &run, const XMLElement &source, std::string_view list,
                        XMLElement *target)
 {
+    run.budget.spend(Price::IndexedName, source.attributes().size() + target->attributes().size());
     std::unordered_map<std::string_view, const char *, NameHash> values;
     for (const XMLAttribute &attribute : source.attributes())
         values.emplace(attribute.name, attribute.value);
     std::unordered_map<std::string_view, std::size_t, NameHash> present;
     for (const XMLAttribute &attribute : std::as_const(*target).attributes())
         present.emplace(attribute.name, present.size());
-    run.budget.spend(Price::Character, list.size());
-    forEachPiece(list, ';', [&](std::string_view name) {
-        run.budget.spend(Price::InheritedName, 1);
+    forEachPiece(&run.budget, Price::InheritedName, list, ';', [&](std::string_view name) {
         const auto value = values.find(name);
         const char *inherited = value == values.end() ? nullptr : value->second;
         const auto [entry, isNew] = present.try_emplace(name, present.size());
@@ -79,6 +79,7 @@ XMLElement *loadInclude(Run &run, const std::string &path)
     const std::size_t bytesBefore = document.bytesUsed();
     const bool ok = document.load(path);
     run.budget.spend(Price::Include, 1);
+    run.budget.spend(Price::PathPart, static_cast<std::uint64_t>(std::ranges::count(path, '/')));
     run.budget.spend(Price::IncludedByte, document.bytesUsed() - bytesBefore);
     auto *const included = static_cast<XMLElement *>(document.root);
     document.root = root;

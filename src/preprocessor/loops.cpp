@@ -111,18 +111,12 @@ bool CountedRounds::find(std::string_view name, std::string_view *found)
 class CombinedRounds : public LoopRounds
 {
 public:
-    /// \a text holds values, separated by commas; empty ones do not count. Returns how many there
-    /// are.
-    std::size_t addList(std::string_view name, std::string_view text)
+    void addList(std::string_view name, std::vector<std::string_view> values)
     {
-        List list;
-        forEachPiece(text, ',', [&](std::string_view value) { list.values.push_back(value); });
-        const std::size_t count = list.values.size();
         positions.insert_or_assign(name, lists.size());
-        if (count != 1)
+        if (values.size() != 1)
             varying.push_back(lists.size());
-        lists.push_back(std::move(list));
-        return count;
+        lists.push_back({std::move(values)});
     }
 
     /// The number of combinations, \a most + 1 if there are more than \a most.
@@ -257,13 +251,14 @@ Outcome handleForeach(Run &run, XMLElement &element, const Level &)
 {
     CombinedRounds rounds;
     for (const XMLAttribute &attribute : std::as_const(element).attributes()) {
-        const std::string_view text = textOf(attribute);
-        const std::size_t values = rounds.addList(attribute.name, text);
-        run.budget.spend(Price::Character, text.size());
-        run.budget.spend(Price::ListItem, values);
+        std::vector<std::string_view> values;
+        forEachPiece(&run.budget, Price::ListItem, textOf(attribute), ',',
+                     [&](std::string_view value) { values.push_back(value); });
+        run.budget.spend(Price::List, 1);
         // There is no combination then, however long the other lists are.
-        if (values == 0)
+        if (values.empty())
             return Outcome::remove();
+        rounds.addList(attribute.name, std::move(values));
     }
     return copyRounds(run, element, rounds.count(run.limits.loopRounds), &rounds);
 }

@@ -1,9 +1,9 @@
 #include "xmlpp2.h"
 
 #include "macrovalues.h"
-#include "pieces.h"
 #include "walk.h"
 
+#include <algorithm>
 #include <string_view>
 #include <vector>
 
@@ -13,7 +13,12 @@ bool XMLPP2::preprocessFile(const std::string &fileName, const std::string &macr
         return false;
     const CurrentPool current(this);
     std::vector<std::string> items;
-    forEachPiece(macroList, ';', [&](std::string_view item) { items.emplace_back(item); });
+    for (std::string_view rest = macroList; !rest.empty();) {
+        const std::string_view item = rest.substr(0, rest.find(';'));
+        if (!item.empty())
+            items.emplace_back(item);
+        rest.remove_prefix(std::min(item.size() + 1, rest.size()));
+    }
     MacroMap macros = MacroValues::parseMacroList(items);
     processConditionals(root, fileName, macros, expand);
     return true;
