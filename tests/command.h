@@ -60,6 +60,7 @@ inline CommandResult runCommand(std::vector<std::string> arguments, const std::s
     if (child == 0) {
         alarm(60);  // goes on counting in the program
         std::vector<char *> argv;
+        argv.reserve(arguments.size() + 1);
         for (std::string &argument : arguments)
             argv.push_back(argument.data());
         argv.push_back(nullptr);

@@ -23,7 +23,7 @@ const Case plainCase = {{"run", "xmlpp in.xml out.xml\n"}, {"prints", ""}, {"out
 class CaseTest : public testing::Test
 {
 public:
-    explicit CaseTest(const Case &tested) : parts(tested) {}
+    explicit CaseTest(Case tested) : parts(std::move(tested)) {}
 
     void TestBody() override
     {
