@@ -99,6 +99,7 @@ class ConstantExpression : public TreeExpression
 {
 public:
     explicit ConstantExpression(ExpressionValue constant) : value(std::move(constant)) {}
+    explicit ConstantExpression(const PlainValue &constant) : value(constant) {}
     ExpressionValue evaluate() const override { return value; }
     void dumpTo(std::string &text) const override;
 
@@ -110,7 +111,8 @@ class IntegerConstantExpression : public ConstantExpression
 {
 public:
     explicit IntegerConstantExpression(std::int64_t constant)
-        : ConstantExpression(ExpressionValue::fromInt64(constant))
+        : ConstantExpression(
+              PlainValue{PlainValue::Signed, 8, static_cast<std::uint64_t>(constant)})
     {
     }
 };
@@ -120,7 +122,8 @@ class FloatConstantExpression : public ConstantExpression
 {
 public:
     explicit FloatConstantExpression(double constant)
-        : ConstantExpression(ExpressionValue::fromDouble(constant))
+        : ConstantExpression(
+              PlainValue{PlainValue::Floating, 8, std::bit_cast<std::uint64_t>(constant)})
     {
     }
 };

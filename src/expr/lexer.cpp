@@ -77,71 +77,33 @@ constexpr Rule grammar[] = {
     {R"(,)", Token::Comma, -4},
 };
 
-/// The first characters of \a text as a number, the very first in its lowest byte. The bytes for what
-/// is missing are 0, which is part of no operator.
-std::uint32_t headOf(std::string_view text)
-{
-    std::uint32_t head = 0;
-    for (std::size_t at = 0; at < text.size() && at < sizeof head; ++at)
-        head |= std::uint32_t{static_cast<unsigned char>(text[at])} << (8 * at);
-    return head;
-}
-
 /// The rules as the compiler reads them, so that no run of the program does.
 struct CompiledRules {
-    struct Pattern {
-        std::size_t length = 0;  ///< in steps
-        std::size_t begin = 0;   ///< in the array of steps
-        /// For the operators, each step of which takes one character: these as in headOf(), and
-        /// the bits that they take. No bits: a pattern with sets.
-        std::uint32_t characters = 0;
-        std::uint32_t bits = 0;
-    };
+    using Step = TokenPattern::Step;
 
-    std::array<Pattern, std::size(grammar)> patterns = {};
-    std::array<TokenPattern::Step, 24> steps = {};  ///< of the patterns with sets, and spare ones
+    std::array<Step, 128> steps = {};  ///< of all patterns, one behind the other
+    std::array<std::size_t, std::size(grammar) + 1> begins = {};  ///< of each pattern in steps
     /// By character, a bit for each rule that can match where a text begins with it.
     std::array<std::uint64_t, 256> candidates = {};
     bool isValid = true;
 
     constexpr CompiledRules()
     {
-        std::size_t end = 0;
         for (std::size_t rule = 0; rule < std::size(grammar); ++rule) {
-            patterns[rule].begin = end;
-            compile(rule);
-            if (patterns[rule].bits == 0)
-                end += patterns[rule].length;
+            std::size_t end = begins[rule];
+            for (std::string_view rest = grammar[rule].pattern; !rest.empty();)
+                isValid = TokenPattern::takeStep(&rest, &steps[end++]) && isValid;
+            begins[rule + 1] = end;
+            for (std::size_t code = 0; code < candidates.size(); ++code) {
+                if (steps[begins[rule]].set.contains(static_cast<char>(code)))
+                    candidates[code] |= 1ULL << rule;
+            }
         }
     }
 
-    constexpr void compile(std::size_t rule)
+    std::span<const Step> stepsOf(std::size_t rule) const
     {
-        Pattern &pattern = patterns[rule];
-        bool isOperator = true;
-        for (std::string_view rest = grammar[rule].pattern; !rest.empty(); ++pattern.length) {
-            const char character = rest.front() == '\\' ? rest[1] : rest.front();
-            TokenPattern::Step step;
-            isValid = TokenPattern::takeStep(&rest, &step) && isValid;
-            isOperator = isOperator && step.set.size() == 1;
-            pattern.characters |= static_cast<std::uint32_t>(character) << (8 * pattern.length);
-            pattern.bits |= 0xFFU << (8 * pattern.length);
-            steps.at(pattern.begin + pattern.length) = step;
-        }
-        if (!isOperator)
-            pattern.bits = 0;
-        for (unsigned int code = 0; code < candidates.size(); ++code) {
-            if (steps[pattern.begin].set.contains(static_cast<char>(code)))
-                candidates[code] |= 1ULL << rule;
-        }
-    }
-
-    std::size_t match(std::size_t rule, std::uint32_t head, std::string_view text) const
-    {
-        const Pattern &pattern = patterns[rule];
-        if (pattern.bits != 0)
-            return (head & pattern.bits) == pattern.characters ? pattern.length : 0;
-        return TokenPattern::match({&steps[pattern.begin], pattern.length}, text);
+        return {&steps[begins[rule]], &steps[begins[rule + 1]]};
     }
 };
 
@@ -221,11 +183,10 @@ Token::Kind Lexer::scanToken()
 {
     assert(nextPosition < text.size());
     const std::string_view rest = text.substr(nextPosition);
-    const std::uint32_t head = headOf(rest);
-    std::uint64_t candidates = compiled.candidates[head & 0xFF];
+    std::uint64_t candidates = compiled.candidates[static_cast<unsigned char>(rest.front())];
     for (; candidates != 0; candidates &= candidates - 1) {
         const auto rule = static_cast<std::size_t>(std::countr_zero(candidates));
-        if (const std::size_t length = compiled.match(rule, head, rest))
+        if (const std::size_t length = TokenPattern::match(compiled.stepsOf(rule), rest))
             return take(length, grammar[rule].kind, grammar[rule].precedence);
     }
     for (const LexerToken &rule : ownRules) {

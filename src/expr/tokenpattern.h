@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -20,18 +21,22 @@
 class TokenPattern
 {
 public:
-    /// By character, whether it is one of them.
+    /// Characters, each as a bit.
     class CharacterSet
     {
     public:
-        constexpr bool contains(char c) const { return members[static_cast<unsigned char>(c)]; }
+        constexpr bool contains(char c) const
+        {
+            const auto code = static_cast<unsigned char>(c);
+            return ((bits[code / 64] >> (code % 64)) & 1) != 0;
+        }
         constexpr void addRange(unsigned char first, unsigned char last);
         constexpr void addEscaped(char c);
         constexpr void invert();
-        constexpr int size() const;
+        constexpr bool isEmpty() const { return bits == std::array<std::uint64_t, 4>(); }
 
     private:
-        std::array<bool, 256> members = {};
+        std::array<std::uint64_t, 4> bits = {};
     };
 
     /// One part of a pattern.
@@ -70,7 +75,7 @@ private:
 constexpr void TokenPattern::CharacterSet::addRange(unsigned char first, unsigned char last)
 {
     for (unsigned int code = first; code <= last; ++code)
-        members[code] = true;
+        bits[code / 64] |= 1ULL << (code % 64);
 }
 
 /// Adds what the character behind a backslash stands for.
@@ -89,16 +94,8 @@ constexpr void TokenPattern::CharacterSet::addEscaped(char c)
 
 constexpr void TokenPattern::CharacterSet::invert()
 {
-    for (bool &isMember : members)
-        isMember = !isMember;
-}
-
-constexpr int TokenPattern::CharacterSet::size() const
-{
-    int count = 0;
-    for (const bool isMember : members)
-        count += isMember ? 1 : 0;
-    return count;
+    for (std::uint64_t &part : bits)
+        part = ~part;
 }
 
 /// Takes the first character of *rest, which must not be empty.
@@ -138,7 +135,7 @@ constexpr bool TokenPattern::takeSet(std::string_view *rest, CharacterSet *set)
     take(rest);
     if (inverted)
         set->invert();
-    return set->size() > 0;
+    return !set->isEmpty();
 }
 
 constexpr bool TokenPattern::takeStep(std::string_view *pattern, Step *step)
