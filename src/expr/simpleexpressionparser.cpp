@@ -1,15 +1,20 @@
 #include "simpleexpressionparser.h"
 
 #include "parserexception.h"
+#include "plainarithmetic.h"
 #include "resolution.h"
 
 #include <cassert>
+#include <typeinfo>
 
 namespace
 {
 
-// Prices of what an evaluation does, in nanoseconds.
-constexpr std::uint64_t stepsPerEvaluation = 50;
+// What an evaluation costs, in nanoseconds.
+constexpr std::uint64_t stepsPerEvaluation = 15;
+constexpr std::uint64_t stepsPerPlainCharacter = 1;
+constexpr std::uint64_t stepsPerPlainToken = 3;
+constexpr std::uint64_t stepsPerTree = 60;
 constexpr std::uint64_t stepsPerCharacter = 3;
 constexpr std::uint64_t stepsPerToken = 18;
 constexpr std::uint64_t stepsPerException = 1500;
@@ -58,16 +63,34 @@ PlainValue SimpleExpressionParser::evaluateWanted(const char *text,
                                                   bool (PlainValue::*isWanted)() const, bool *ok)
 {
     assert(ok);
-    *ok = false;
-    PlainValue value;
+    const PlainValue value = evaluateSilently(text ? text : "");
+    *ok = (value.*isWanted)();
+    return *ok ? value : PlainValue();
+}
+
+/// The value of \a text; the void value where there is none.
+PlainValue SimpleExpressionParser::evaluateSilently(const char *text)
+{
     cost = stepsPerEvaluation;
+    // A subclass may know names, or have added rules.
+    if (typeid(*this) == typeid(SimpleExpressionParser)) {
+        const PlainResult plain = evaluatePlain(text);
+        cost += stepsPerPlainCharacter * plain.characters + stepsPerPlainToken * plain.tokens;
+        if (plain.outcome != PlainResult::Unusual)
+            return plain.value;
+    }
+    return evaluateWithTree(text);
+}
+
+PlainValue SimpleExpressionParser::evaluateWithTree(const char *text)
+{
+    PlainValue value;
+    cost += stepsPerTree;
     try {
         value = evaluate(text);
-        *ok = (value.*isWanted)();
     } catch (const ParserException &) {
-        // No value either; the caller decides what that means.
         cost += stepsPerException;
     }
     cost += stepsPerCharacter * lexer.position() + stepsPerToken * lexer.scanned();
-    return *ok ? value : PlainValue();
+    return value;
 }

@@ -54,6 +54,8 @@ public:
 private:
     [[noreturn]] static void fail(const char *message);
     PlainValue evaluateWanted(const char *text, bool (PlainValue::*isWanted)() const, bool *ok);
+    PlainValue evaluateSilently(const char *text);
+    PlainValue evaluateWithTree(const char *text);
 
     std::uint64_t cost = 0;
 };

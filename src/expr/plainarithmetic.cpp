@@ -1,0 +1,229 @@
+#include "plainarithmetic.h"
+
+#include "arithmetic.h"
+#include "lexer.h"
+
+#include <array>
+#include <cassert>
+
+// Most expressions of a document are a few numbers: $(i)+1, 3 < 10. Tokens, nodes and values that
+// can hold a text cost ten times what there is to compute, so these are read and computed at once,
+// by the same descent as in treeparser.cpp and with the same operators.
+//
+// It takes decimal, hexadecimal and binary numbers, the operators that compute, parentheses and white
+// space, to the end of the text. Whatever else it meets it leaves to the parser, which starts over:
+// an odd character, an odd order of characters, what stands behind a whole expression, and all that
+// begins behind the thousandth character. So it needs no rule of the grammar but those it follows:
+//
+// - The lexer prefers long operators, and an operand cannot begin with "=", "<", ">" or "|". So two
+//   characters tell which operator it is: what "<<=", ">>>" or "->" goes on with is no operand.
+//   "++" and "--", which are no operators here, are told from two signs.
+// - A thousand characters make fewer calls and nodes than the parser's bounds allow.
+// - Operators do not short-circuit and nothing has an effect, so the order of evaluation does not
+//   show, and neither does whether an operand is missing before or behind a division by zero.
+// - A name, wherever an operand can be, has no value, whatever it turns out to be a part of: the
+//   parser evaluates it, or fails before it does.
+
+namespace
+{
+
+struct PlainOperator {
+    const char *text;
+    BinaryOperator computes;
+    std::int32_t level;  ///< as in the table of tokens
+};
+
+constexpr PlainOperator plainOperators[] = {
+    {"*", BinaryOperator::Multiply, 9},    {"/", BinaryOperator::Divide, 9},
+    {"%", BinaryOperator::Mod, 9},         {"+", BinaryOperator::Plus, 8},
+    {"-", BinaryOperator::Minus, 8},       {"<<", BinaryOperator::Lshift, 7},
+    {">>", BinaryOperator::Rshift, 7},     {"<", BinaryOperator::Lt, 6},
+    {"<=", BinaryOperator::Le, 6},         {">", BinaryOperator::Gt, 6},
+    {">=", BinaryOperator::Ge, 6},         {"==", BinaryOperator::Eq, 5},
+    {"!=", BinaryOperator::Ne, 5},         {"&", BinaryOperator::BitAnd, 4},
+    {"^", BinaryOperator::BitXor, 3},      {"|", BinaryOperator::BitOr, 2},
+    {"&&", BinaryOperator::LogicalAnd, 1}, {"||", BinaryOperator::LogicalOr, 0},
+};
+
+/// An operator is its character alone, twice, or in front of "=".
+enum Form { Alone, Twice, WithEqual };
+
+constexpr Form formOf(char first, char second)
+{
+    return second == first ? Twice : second == '=' ? WithEqual : Alone;
+}
+
+using OperatorsByCharacter = std::array<const PlainOperator *, 256>;
+
+constexpr auto operatorsByForm = [] {
+    std::array<OperatorsByCharacter, 3> byForm = {};
+    for (const PlainOperator &row : plainOperators)
+        byForm[formOf(row.text[0], row.text[1])][static_cast<unsigned char>(row.text[0])] = &row;
+    return byForm;
+}();
+
+constexpr std::ptrdiff_t maximumLength = 1000;
+
+bool isSpace(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r') || c == '\xA0';
+}
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+bool isLetter(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '$';
+}
+
+bool isHexadecimal(char c)
+{
+    return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+/// Behind the number that begins at \a digits with a digit.
+const char *endOfNumber(const char *digits)
+{
+    const char *end = digits + 1;
+    if (*digits == '0' && *end == 'x') {
+        while (isHexadecimal(*++end)) {
+        }
+    } else if (*digits == '0' && *end == 'b') {
+        while (*++end == '0' || *end == '1') {
+        }
+    } else {
+        while (isDigit(*end))
+            ++end;
+    }
+    return end;
+}
+
+class PlainReader
+{
+public:
+    explicit PlainReader(const char *text) : start(text), at(text) {}
+
+    PlainResult read()
+    {
+        PlainResult result;
+        PlainValue value;
+        if (readBinary(Token::loosestLevel, &value) && *at == '\0')
+            result = {PlainResult::Done, value};
+        else if (fails)
+            result.outcome = PlainResult::Failure;
+        result.characters = static_cast<std::size_t>(at - start);
+        result.tokens = tokens;
+        return result;
+    }
+
+private:
+    // These return false where there is no value, or none that is known.
+
+    bool readBinary(std::int32_t level, PlainValue *value)
+    {
+        if (!readUnary(value))
+            return false;
+        while (next && next->level >= level) {
+            const PlainOperator *row = next;
+            at += row->text[1] == '\0' ? 1 : 2;
+            PlainValue right;
+            const bool isRead = row->level == Token::tightestLevel
+                                    ? readUnary(&right)
+                                    : readBinary(row->level + 1, &right);
+            if (!isRead || !succeeds(apply(row->computes, value, right)))
+                return false;
+        }
+        return true;
+    }
+
+    bool readUnary(PlainValue *value)
+    {
+        skipSpace();
+        ++tokens;
+        if (at - start > maximumLength)
+            return false;
+        if (isDigit(*at))
+            return readNumber(value);
+        switch (*at) {
+        case '(':
+            return readParenthesis(value);
+        case '-':
+            return at[1] != '-' && readOperand(value) &&
+                   succeeds(apply(UnaryOperator::Negate, value));
+        case '+':
+            return at[1] != '+' && readOperand(value);
+        case '!':
+            return readOperand(value) && succeeds(apply(UnaryOperator::LogicalNot, value));
+        case '~':
+            return readOperand(value) && succeeds(apply(UnaryOperator::BitNot, value));
+        default:
+            fails = *at == '\0' || *at == ')' || isLetter(*at);
+            return false;
+        }
+    }
+
+    /// What follows the sign at which the reader stands.
+    bool readOperand(PlainValue *value)
+    {
+        ++at;
+        return readUnary(value);
+    }
+
+    bool readParenthesis(PlainValue *value)
+    {
+        ++at;
+        if (!readBinary(Token::loosestLevel, value) || *at != ')')
+            return false;
+        ++at;
+        findOperator();
+        return true;
+    }
+
+    bool readNumber(PlainValue *value)
+    {
+        const char *digits = at;
+        at = endOfNumber(at);
+        const std::string_view text(digits, static_cast<std::size_t>(at - digits));
+        *value = {PlainValue::Signed, 8, ::readNumber(text)};
+        findOperator();
+        return *at != '.';  // else a floating number, perhaps
+    }
+
+    /// The operator behind an operand; none at the end, and at what the parser has to look at.
+    void findOperator()
+    {
+        skipSpace();
+        ++tokens;
+        next = operatorsByForm[*at == '\0' ? Alone : formOf(at[0], at[1])]
+                              [static_cast<unsigned char>(*at)];
+    }
+
+    void skipSpace()
+    {
+        while (isSpace(*at))
+            ++at;
+    }
+
+    bool succeeds(const char *failure)
+    {
+        fails = failure != nullptr;
+        return !fails;
+    }
+
+    const char *start;
+    const char *at;
+    const PlainOperator *next = nullptr;
+    std::size_t tokens = 0;
+    bool fails = false;  ///< there is no value for certain
+};
+
+}  // namespace
+
+PlainResult evaluatePlain(const char *text)
+{
+    assert(text);
+    return PlainReader(text).read();
+}
