@@ -390,14 +390,17 @@ TEST(ExprResolution, WithoutNamesOnlyLiteralsHaveAValue)
     expectRows(plainValueOf, rows);
 }
 
-TEST(ExprResolution, OnlyTheWantedKindIsOk)
+TEST(ExprPlain, OnlyTheWantedKindIsOkWithATreeAndWithout)
 {
-    const auto wanted = [](const char *text) {
+    class TreeOnly : public SimpleExpressionParser
+    {
+    } tree;
+    const auto wantedOf = [](SimpleExpressionParser *parser, const char *text) {
         std::string all;
         const auto add = [&](auto evaluate, const char *kind) {
             bool ok = true;
-            const auto value = (SimpleExpressionParser::instance()->*evaluate)(text, &ok);
-            all += (ok ? kind : "no ") + std::to_string(value) + " ";
+            const auto value = (parser->*evaluate)(text, &ok);
+            all += (ok ? kind : "no ") + std::to_string(value) + ' ';
         };
         add(&SimpleExpressionParser::evaluateUnsigned, "unsigned ");
         add(&SimpleExpressionParser::evaluateSigned, "signed ");
@@ -405,14 +408,38 @@ TEST(ExprResolution, OnlyTheWantedKindIsOk)
         return all;
     };
     const std::vector<Row> rows = {
-        {{"1==1"}, "no 0 no 0 bool 1 "},
-        {{"1!=1"}, "no 0 no 0 bool 0 "},
-        {{"1&&1"}, "unsigned 1 signed 1 no 0 "},
-        {{"-1"}, "unsigned 18446744073709551615 signed -1 no 0 "},
+        {{"1==1", "!(1!=1)", "2>1 == 1<=1 || 0 && 1"}, "no 0 no 0 bool 1 "},
+        {{"1!=1", "3<2 || 2>=3", "(1==1)/0.1", "!5"}, "no 0 no 0 bool 0 "},
+        {{"8", "010", "0b1000", "2*(3+1)", "10-3+1", "1<<3", "+8 9", "8)", "-(-8)", " 16>>1",
+          "9 & 12 | 4 ^ 4",
+          "\xA0"
+          "8%9",
+          times(999, " ") + "8"},
+         "unsigned 8 signed 8 no 0 "},
+        {{"-1", "~0"}, "unsigned 18446744073709551615 signed -1 no 0 "},
         {{"1.5"}, "unsigned 4609434218613702656 signed 1 no 0 "},
-        {{"\"1\"", "1+", "", "x", "1/0"}, "no 0 no 0 no 0 "},
+        {{"\"1\"", "1+", "", "x", "(1", "()", "1/0", "1++2", "--1", "1&&&1", "1>>>1", "1<(1==1"},
+         "no 0 no 0 no 0 "},
     };
-    expectRows(wanted, rows);
+    expectRows([&](auto *text) { return wantedOf(SimpleExpressionParser::instance(), text); },
+               rows);
+    expectRows([&](auto *text) { return wantedOf(&tree, text); }, rows);
+}
+
+TEST(ExprPlain, CostsLessThanATreeAndFarLessThanAnException)
+{
+    SimpleExpressionParser parser;
+    const auto stepsOf = [&parser](const std::string &text) {
+        bool ok = false;
+        parser.evaluateSigned(text.c_str(), &ok);
+        return parser.steps();
+    };
+    EXPECT_LT(stepsOf("1 + 2"), 50U);
+    EXPECT_LT(stepsOf("1 + x"), 50U);
+    EXPECT_GT(stepsOf("1 + 2.5"), 100U);
+    EXPECT_GT(stepsOf("1 + 2.5.6"), 1000U);
+    EXPECT_GT(stepsOf(times(1000, "1+") + "1"), 40000U);
+    EXPECT_GT(stepsOf(times(1000, "(") + "#"), 1000000U);
 }
 
 TEST(ExprValues, ViewsFollowKindAndSize)

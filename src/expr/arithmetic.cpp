@@ -2,6 +2,7 @@
 
 #include "parserexception.h"
 
+#include <algorithm>
 #include <bit>
 #include <cassert>
 #include <compare>
@@ -118,30 +119,21 @@ const char *compare(PlainValue *left, const PlainValue &right)
     return nullptr;
 }
 
-const char *checkShift(const PlainValue &left, const PlainValue &right)
+template <bool toTheLeft>
+const char *shift(PlainValue *left, const PlainValue &right)
 {
     if (right.kind != PlainValue::Signed)
         return "integer shift value expected";
-    return isInteger(left) ? nullptr : "can only shift numeric values";
-}
-
-const char *shiftLeft(PlainValue *left, const PlainValue &right)
-{
-    if (const char *failure = checkShift(*left, right))
-        return failure;
-    left->payload <<= right.toInt64() & 63;
-    return nullptr;
-}
-
-const char *shiftRight(PlainValue *left, const PlainValue &right)
-{
-    if (const char *failure = checkShift(*left, right))
-        return failure;
     const std::int64_t count = right.toInt64() & 63;
-    left->payload =
-        left->kind == PlainValue::Unsigned
-            ? left->payload >> count
-            : std::bit_cast<std::uint64_t>(static_cast<std::int64_t>(left->payload) >> count);
+    if (toTheLeft && isInteger(*left))
+        left->payload <<= count;
+    else if (left->kind == PlainValue::Unsigned)
+        left->payload >>= count;
+    else if (left->kind == PlainValue::Signed)
+        left->payload =
+            static_cast<std::uint64_t>(static_cast<std::int64_t>(left->payload) >> count);
+    else
+        return "can only shift numeric values";
     return nullptr;
 }
 
@@ -167,23 +159,19 @@ constexpr Operator operators[] = {
     {Multiply, "MultiplyExpression", onNumbers<std::multiplies<>>},
     {Divide, "DivideExpression", divide},
     {Mod, "ModExpression", onDivisors<Remainder>},
-    {Rshift, "RshiftExpression", shiftRight},
-    {Lshift, "LshiftExpression", shiftLeft},
+    {Rshift, "RshiftExpression", shift<false>},
+    {Lshift, "LshiftExpression", shift<true>},
     {BitAnd, "BitAndExpression", onIntegers<std::bit_and<>>},
     {BitXor, "BitXorExpression", onIntegers<std::bit_xor<>>},
     {BitOr, "BitOrExpression", onIntegers<std::bit_or<>>},
 };
 
-constexpr bool rowsAreInOrder()
-{
-    std::size_t index = 0;
-    for (const Operator &row : operators) {
-        if (static_cast<std::size_t>(row.binaryOperator) != index++)
-            return false;
-    }
-    return true;
-}
-static_assert(rowsAreInOrder(), "a row is found by its operator");
+static_assert(
+    std::ranges::all_of(operators,
+                        [](const Operator &row) {
+                            return &row == &operators[static_cast<std::size_t>(row.binaryOperator)];
+                        }),
+    "a row is found by its operator");
 
 const Operator &rowOf(BinaryOperator binaryOperator)
 {

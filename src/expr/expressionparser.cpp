@@ -7,8 +7,12 @@ std::unique_ptr<Expression> ExpressionParser::parse(const char *text, std::size_
     std::unique_ptr<Expression> tree;
     // Not a copy: nothing asks the lexer for its text once the tree is made.
     lexer.borrowText(text ? text : "");
-    if (text && *text)
-        tree = TreeParser(lexer, *this).parseExpression();
+    readingDepth = 0;
+    treeHeight = 0;
+    if (text && *text) {
+        tree = TreeParser(lexer, *this, &readingDepth).parseExpression();
+        treeHeight = tree->height();
+    }
     if (position)
         *position = lexer.position();
     return tree;

@@ -68,4 +68,7 @@ protected:
     ExpressionParser() = default;
 
     Lexer lexer;  ///< only its counts are of use once parse() is through
+    // What an exception out of the last parse() or evaluate() had to leave.
+    int readingDepth = 0;  ///< calls that were open when the last of them began
+    int treeHeight = 0;    ///< of the tree that was read; 0 for none
 };

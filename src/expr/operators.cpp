@@ -69,13 +69,22 @@ struct PendingOperator {
     ExpressionValue right;
 };
 
+/// The left operand of \a node if it is an operator too, else null.
+const BinaryExpression *leftOperator(const BinaryExpression &node)
+{
+    const BinaryExpression *left = node.left->asBinary();
+    return left && left->binaryOperator ? left : nullptr;
+}
+
 ExpressionValue evaluateChain(const BinaryExpression &root)
 {
+    std::size_t length = 0;
+    for (const BinaryExpression *node = &root; node; node = leftOperator(*node))
+        ++length;
     std::vector<PendingOperator> pending;
-    pending.reserve(8);
-    const Expression *innermost = &root;
-    for (const BinaryExpression *node = &root; node && node->binaryOperator;
-         node = node->left->asBinary()) {
+    pending.reserve(length);
+    const Expression *innermost = nullptr;
+    for (const BinaryExpression *node = &root; node; node = leftOperator(*node)) {
         pending.push_back({*node->binaryOperator, node->right->evaluate()});
         innermost = node->left.get();
     }
@@ -92,8 +101,7 @@ ExpressionValue evaluateChain(const BinaryExpression &root)
 ExpressionValue evaluateOperators(const BinaryExpression &root)
 {
     assert(root.binaryOperator);
-    const BinaryExpression *left = root.left->asBinary();
-    if (left && left->binaryOperator)
+    if (leftOperator(root))
         return evaluateChain(root);
     ExpressionValue right = root.right->evaluate();
     return applyOperator(*root.binaryOperator, root.left->evaluate(), std::move(right));

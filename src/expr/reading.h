@@ -27,7 +27,7 @@ public:
         explicit Nesting(Reading *reading) : depth(reading->depth)
         {
             checkHeight(depth + 1);
-            ++depth;
+            reading->entered = ++depth;
         }
         ~Nesting() { --depth; }
         Nesting(const Nesting &) = delete;
@@ -38,7 +38,13 @@ public:
     };
 
     /// The tokens are those of \a tokens from its current one on; the nodes ask \a resolver.
-    Reading(Lexer &tokens, ExpressionParser &resolver) : lexer(tokens), parser(resolver) {}
+    /// *lastDepth receives how many calls were open when the last of them began.
+    Reading(Lexer &tokens, ExpressionParser &resolver, int *lastDepth)
+        : lexer(tokens),
+          parser(resolver),
+          entered(*lastDepth)
+    {
+    }
 
     /// Makes a node or a type and counts it.
     template <typename Made, typename... Arguments>
@@ -92,5 +98,6 @@ private:
     }
 
     int depth = 0;  ///< calls that are open
+    int &entered;
     std::size_t total = 0;
 };

@@ -29,7 +29,7 @@ ExpressionValue evaluateObject(const Expression &node, const char *message)
 }
 
 /// The value of \a node, read by the parser where it is an object.
-ExpressionValue evaluatePlain(const Expression &node, ExpressionParser *parser)
+ExpressionValue evaluateRead(const Expression &node, ExpressionParser *parser)
 {
     ExpressionValue value = node.evaluate();
     if (value.isObject())
@@ -47,11 +47,6 @@ AskingNode::AskingNode(ExpressionParser *resolver) : parser(resolver)
 ExpressionValue IdentifierExpression::evaluate() const
 {
     return ExpressionValue::fromObject(parser->lookupSymbol(name.c_str()));
-}
-
-void IdentifierExpression::dumpTo(std::string &text) const
-{
-    text.append("Identifier(").append(name).append(")");
 }
 
 ExpressionValue ScopedIdentifierExpression::evaluate() const
@@ -77,7 +72,7 @@ ExpressionValue RegisterExpression::evaluate() const
     return ExpressionValue::fromObject(parser->lookupRegister(name));
 }
 
-void RegisterExpression::dumpTo(std::string &text) const
+void NameExpression::dumpTo(std::string &text) const
 {
     text.append("Identifier(").append(name).append(")");
 }
@@ -85,7 +80,7 @@ void RegisterExpression::dumpTo(std::string &text) const
 ExpressionValue AssignExpression::evaluate() const
 {
     ExpressionValue target = evaluateObject(*left, "bad expression type");
-    parser->assignValue(target.object.get(), evaluatePlain(*right, parser));
+    parser->assignValue(target.object.get(), evaluateRead(*right, parser));
     return target;
 }
 
@@ -102,16 +97,10 @@ ExpressionValue DotExpression::evaluate() const
 ExpressionValue LeftSquareBracketExpression::evaluate() const
 {
     const ExpressionValue base = evaluateObject(*left, "bad expression type");
-    return parser->dereferenceValue(base.object.get(), evaluateIndex());
-}
-
-/// The low 32 bits of a number, or 0 or 1 for a boolean.
-std::int32_t LeftSquareBracketExpression::evaluateIndex() const
-{
-    const ExpressionValue index = evaluatePlain(*right, parser);
+    const ExpressionValue index = evaluateRead(*right, parser);
     if (!index.isNumeric() && !index.isBoolean())
         throw ParserException("bad index type");
-    return static_cast<std::int32_t>(index.toInt64());
+    return parser->dereferenceValue(base.object.get(), static_cast<std::int32_t>(index.toInt64()));
 }
 
 ExpressionValue SizeofExpression::evaluate() const

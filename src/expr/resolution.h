@@ -21,18 +21,33 @@ protected:
     ~AskingNode() = default;
 };
 
-class IdentifierExpression : public TreeExpression, public AskingNode
+/// A node that is a name by itself.
+class NameExpression : public TreeExpression, public AskingNode
 {
 public:
-    IdentifierExpression(std::string identifier, ExpressionParser *resolver)
+    NameExpression(std::string itsName, ExpressionParser *resolver)
         : AskingNode(resolver),
-          name(std::move(identifier))
+          name(std::move(itsName))
     {
     }
-    ExpressionValue evaluate() const override;
     void dumpTo(std::string &text) const override;
 
     std::string name;
+};
+
+class IdentifierExpression : public NameExpression
+{
+public:
+    using NameExpression::NameExpression;
+    ExpressionValue evaluate() const override;
+};
+
+/// The name of a register, without the "@".
+class RegisterExpression : public NameExpression
+{
+public:
+    using NameExpression::NameExpression;
+    ExpressionValue evaluate() const override;
 };
 
 /// A name with "::" in it, or in front of it: "::x" has the one part "x".
@@ -53,31 +68,24 @@ public:
 /// The parts of a name with "::" between them.
 std::string joined(const std::vector<std::string> &parts);
 
-class RegisterExpression : public TreeExpression, public AskingNode
+/// A node that asks about two operands.
+class AskingBinaryExpression : public BinaryExpression, public AskingNode
 {
 public:
-    RegisterExpression(std::string registerName, ExpressionParser *resolver)
-        : AskingNode(resolver),
-          name(std::move(registerName))
+    AskingBinaryExpression(std::unique_ptr<Expression> leftOperand,
+                           std::unique_ptr<Expression> rightOperand, ExpressionParser *resolver)
+        : BinaryExpression(std::move(leftOperand), std::move(rightOperand)),
+          AskingNode(resolver)
     {
     }
-    ExpressionValue evaluate() const override;
-    void dumpTo(std::string &text) const override;
-
-    std::string name;  ///< without the "@"
 };
 
 /// Stores the right value in the object that the left operand is, which is also the value. Unlike
 /// an operator it evaluates the left operand first.
-class AssignExpression : public BinaryExpression, public AskingNode
+class AssignExpression : public AskingBinaryExpression
 {
 public:
-    AssignExpression(std::unique_ptr<Expression> target, std::unique_ptr<Expression> value,
-                     ExpressionParser *resolver)
-        : BinaryExpression(std::move(target), std::move(value)),
-          AskingNode(resolver)
-    {
-    }
+    using AskingBinaryExpression::AskingBinaryExpression;
     ExpressionValue evaluate() const override;
 
 protected:
@@ -85,15 +93,10 @@ protected:
 };
 
 /// A member of the left operand; the right operand is the node of the member's name.
-class DotExpression : public BinaryExpression, public AskingNode
+class DotExpression : public AskingBinaryExpression
 {
 public:
-    DotExpression(std::unique_ptr<Expression> base, std::unique_ptr<Expression> member,
-                  ExpressionParser *resolver)
-        : BinaryExpression(std::move(base), std::move(member)),
-          AskingNode(resolver)
-    {
-    }
+    using AskingBinaryExpression::AskingBinaryExpression;
     ExpressionValue evaluate() const override;
 
 protected:
@@ -101,52 +104,44 @@ protected:
 };
 
 /// The left operand indexed by the right one; "*x" is x indexed by 0.
-class LeftSquareBracketExpression : public BinaryExpression, public AskingNode
+class LeftSquareBracketExpression : public AskingBinaryExpression
 {
 public:
-    LeftSquareBracketExpression(std::unique_ptr<Expression> base, std::unique_ptr<Expression> index,
-                                ExpressionParser *resolver)
-        : BinaryExpression(std::move(base), std::move(index)),
-          AskingNode(resolver)
-    {
-    }
+    using AskingBinaryExpression::AskingBinaryExpression;
     ExpressionValue evaluate() const override;
 
 protected:
     const char *dumpName() const override { return "LeftSquareBracket"; }
-
-private:
-    std::int32_t evaluateIndex() const;
 };
 
-class SizeofExpression : public TreeExpression, public AskingNode
+/// A node that asks about one operand.
+class AskingUnaryExpression : public TreeExpression, public AskingNode
 {
 public:
-    SizeofExpression(std::unique_ptr<Expression> operandNode, ExpressionParser *resolver)
+    AskingUnaryExpression(std::unique_ptr<Expression> operandNode, ExpressionParser *resolver)
         : TreeExpression(operandNode->height() + 1),
           AskingNode(resolver),
           operand(std::move(operandNode))
     {
     }
-    ExpressionValue evaluate() const override;
-    void dumpTo(std::string &text) const override;
 
     std::unique_ptr<Expression> operand;
 };
 
-class AddressofExpression : public TreeExpression, public AskingNode
+class SizeofExpression : public AskingUnaryExpression
 {
 public:
-    AddressofExpression(std::unique_ptr<Expression> operandNode, ExpressionParser *resolver)
-        : TreeExpression(operandNode->height() + 1),
-          AskingNode(resolver),
-          operand(std::move(operandNode))
-    {
-    }
+    using AskingUnaryExpression::AskingUnaryExpression;
     ExpressionValue evaluate() const override;
     void dumpTo(std::string &text) const override;
+};
 
-    std::unique_ptr<Expression> operand;
+class AddressofExpression : public AskingUnaryExpression
+{
+public:
+    using AskingUnaryExpression::AskingUnaryExpression;
+    ExpressionValue evaluate() const override;
+    void dumpTo(std::string &text) const override;
 };
 
 /// The address of a line of a source file.

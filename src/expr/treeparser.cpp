@@ -95,22 +95,22 @@ TreeParser::Node TreeParser::parsePrimary()
 {
     switch (lexer.kind()) {
     case Token::DecimalNumber:
-        return parseConstant<IntegerConstantExpression>(lexer.tokenToInt64());
+        return parseToken<IntegerConstantExpression>(lexer.tokenToInt64());
     case Token::HexadecimalNumber:
     case Token::BinaryNumber:
-        return parseConstant<IntegerConstantExpression>(
+        return parseToken<IntegerConstantExpression>(
             static_cast<std::int64_t>(lexer.tokenToUInt64()));
     case Token::FloatingNumber:
-        return parseConstant<FloatConstantExpression>(lexer.tokenToDouble());
+        return parseToken<FloatConstantExpression>(lexer.tokenToDouble());
     case Token::String:
-        return parseConstant<StringConstantExpression>(takeText(unquoted(lexer.tokenBytes())));
+        return parseToken<StringConstantExpression>(takeText(unquoted(lexer.tokenBytes())));
     case Token::Identifier:
         return parseWord();
     case Token::Scope:
         lexer.next();
         return parseName(true);
     case Token::Register:
-        return parseRegister();
+        return parseToken<RegisterExpression>(takeText(lexer.tokenBytes().substr(1)), &parser);
     case Token::LeftParenthesis:
         return parseParenthesis();
     case Token::Increment:
@@ -127,7 +127,7 @@ TreeParser::Node TreeParser::parsePrimary()
         lexer.next();
         return parseUnary();
     case Token::Ampersand:
-        return parseAddressof();
+        return parseUnaryOperator<AddressofExpression>(&parser);
     case Token::Star:
         return parseDereference();
     default:
@@ -135,12 +135,13 @@ TreeParser::Node TreeParser::parsePrimary()
     }
 }
 
-template <typename Constant, typename Value>
-TreeParser::Node TreeParser::parseConstant(const Value &value)
+/// The node of the current token, made of \a arguments.
+template <typename Made, typename... Arguments>
+TreeParser::Node TreeParser::parseToken(Arguments &&...arguments)
 {
-    Node constant = make<Constant>(value);
+    Node node = make<Made>(std::forward<Arguments>(arguments)...);
     lexer.next();
-    return constant;
+    return node;
 }
 
 /// word = sizeof | addressof | name
@@ -197,13 +198,6 @@ TreeParser::Node TreeParser::parseName(bool rooted)
     return make<ScopedIdentifierExpression>(std::move(parts), &parser);
 }
 
-TreeParser::Node TreeParser::parseRegister()
-{
-    Node node = make<RegisterExpression>(takeText(lexer.tokenBytes().substr(1)), &parser);
-    lexer.next();
-    return node;
-}
-
 /// parenthesis = "(" type ")" expression | "(" expression ")"
 TreeParser::Node TreeParser::parseParenthesis()
 {
@@ -232,17 +226,11 @@ TreeParser::Node TreeParser::makeStep(Token::Kind assignment, Node target, std::
     return combine(assignment, std::move(target), make<IntegerConstantExpression>(1), targetSize);
 }
 
-template <typename Operator>
-TreeParser::Node TreeParser::parseUnaryOperator()
+template <typename Operator, typename... Arguments>
+TreeParser::Node TreeParser::parseUnaryOperator(Arguments... arguments)
 {
     lexer.next();
-    return make<Operator>(parseUnary());
-}
-
-TreeParser::Node TreeParser::parseAddressof()
-{
-    lexer.next();
-    return make<AddressofExpression>(parseUnary(), &parser);
+    return make<Operator>(parseUnary(), arguments...);
 }
 
 TreeParser::Node TreeParser::parseDereference()

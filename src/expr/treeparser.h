@@ -20,18 +20,16 @@ private:
     Node parsePrimary();
     Node parsePostfix(Node base, std::size_t sizeBefore);
 
-    template <typename Constant, typename Value>
-    Node parseConstant(const Value &value);
+    template <typename Made, typename... Arguments>
+    Node parseToken(Arguments &&...arguments);
     Node parseWord();
     Node parseSizeof();
     Node parseAddressofLine();
     Node parseName(bool rooted);
-    Node parseRegister();
     Node parseParenthesis();
     Node parsePrefixStep(Token::Kind assignment);
-    template <typename Operator>
-    Node parseUnaryOperator();
-    Node parseAddressof();
+    template <typename Operator, typename... Arguments>
+    Node parseUnaryOperator(Arguments... arguments);
     Node parseDereference();
     Node parseIndex(Node base);
     Node parseMember(Node base);
