@@ -33,7 +33,7 @@ namespace directive
 enum class Price : std::uint32_t {
     Nanosecond = 10,      ///< for what tells its cost itself
     Character = 2,        ///< of a name looked up, a list searched, a value stored
-    EmptyPiece = 60,      ///< of a list, between two separators
+    EmptyPiece = 20,      ///< of a list, between two separators
     Alternative = 80,     ///< cut from its list and compared
     ListItem = 150,       ///< of a foreach
     List = 2'000,         ///< the same
@@ -62,10 +62,10 @@ public:
 
     bool isSpent() const { return growth() > limits.growth || work > workAtMost; }
 
-    /// Whether \a amount at that price is still there.
-    bool hasLeft(Price price, std::uint64_t amount) const
+    /// How much can still be had at \a price.
+    std::uint64_t left(Price price) const
     {
-        return !isSpent() && amount <= (workAtMost - work) / static_cast<std::uint64_t>(price);
+        return isSpent() ? 0 : (workAtMost - work) / static_cast<std::uint64_t>(price);
     }
 
     /// What a spent budget was spent on, for an error.

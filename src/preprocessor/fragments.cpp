@@ -1,9 +1,69 @@
 #include "run.h"
 
+#include <cstdint>
+#include <cstring>
 #include <string>
+#include <vector>
 
 namespace directive
 {
+
+namespace
+{
+
+std::uint64_t lengthOf(const char *text)
+{
+    return text ? std::strlen(text) : 0;
+}
+
+/// The bytes of all names, values and texts that \a node has itself.
+std::uint64_t textOfNode(const XMLNode &node)
+{
+    if (node.kind() == XMLNode::Kind::Other)
+        return 0;
+    if (node.kind() != XMLNode::Kind::Element)
+        return lengthOf(static_cast<const XMLText &>(node).data());
+    const auto &element = static_cast<const XMLElement &>(node);
+    std::uint64_t bytes = lengthOf(element.name());
+    for (const XMLAttribute &attribute : element.attributes())
+        bytes += lengthOf(attribute.name) + lengthOf(attribute.value);
+    return bytes;
+}
+
+/// The text of \a top and all below it; once more than \a most is found, that much.
+std::uint64_t textOf(const XMLNode *top, std::uint64_t most)
+{
+    std::uint64_t bytes = 0;
+    std::vector<const XMLNode *> chains{top};
+    while (!chains.empty() && bytes <= most) {
+        const XMLNode *node = chains.back();
+        chains.pop_back();
+        if (node != top && node->nextSibling)
+            chains.push_back(node->nextSibling);
+        if (node->firstChild)
+            chains.push_back(node->firstChild);
+        bytes += textOfNode(*node);
+    }
+    return bytes;
+}
+
+/// Notes that \a fragment is copied once more.
+void noteCopy(Run &run, const XMLNode *fragment)
+{
+    const auto [entry, isNew] = run.textOfFragments.try_emplace(fragment);
+    if (isNew)
+        entry->second = textOf(fragment, UINT64_MAX);
+    run.sharedText += entry->second;
+}
+
+}  // namespace
+
+void chargeSharedText(Run &run)
+{
+    const std::uint64_t left = run.budget.left(Price::SharedByte);
+    if (run.document.root && run.sharedText > left)
+        run.budget.spend(Price::SharedByte, textOf(run.document.root, left));
+}
 
 Outcome handleXmldef(Run &run, XMLElement &element, const Level &)
 {
@@ -26,7 +86,7 @@ Outcome handleXmlput(Run &run, XMLElement &element, const Level &level)
         run.report(std::string("xmlput cannot fine xmldef named ").append(name));
         return Outcome::keep();
     }
-    run.sharedText.noteCopy(stored->second);
+    noteCopy(run, stored->second);
     auto *const copy = static_cast<XMLElement *>(run.document.copyNode(stored->second, nullptr));
     return {Outcome::Action::Unwrap, copy, run.contentFor(element, level)};
 }

@@ -8,7 +8,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <utility>
 
 namespace directive
 {
@@ -30,9 +29,9 @@ std::string resolveFileName(const std::string &fileName, std::string_view includ
     return std::string(directory).append("/").append(fileName);
 }
 
-/// Sets on \a target the attributes of \a source that \a list names, separated by ';', in that order. One that the
-/// source does not have is set without a value. Names are looked up through indexes, however many
-/// there are.
+/// Sets on \a target the attributes of \a source that \a list names, separated by ';', in that
+/// order. One that the source does not have is set without a value. Names are looked up through
+/// indexes, however many there are.
 void inheritAttributes(Run &run, const XMLElement &source, std::string_view list,
                        XMLElement *target)
 {
@@ -41,12 +40,12 @@ void inheritAttributes(Run &run, const XMLElement &source, std::string_view list
     for (const XMLAttribute &attribute : source.attributes())
         values.emplace(attribute.name, attribute.value);
     std::unordered_map<std::string_view, std::size_t, NameHash> present;
-    for (const XMLAttribute &attribute : std::as_const(*target).attributes())
-        present.emplace(attribute.name, present.size());
+    for (std::size_t position = 0; position < target->attributes().size(); ++position)
+        present.emplace(target->attributes()[position].name, position);
     forEachPiece(&run.budget, Price::InheritedName, list, ';', [&](std::string_view name) {
         const auto value = values.find(name);
         const char *inherited = value == values.end() ? nullptr : value->second;
-        const auto [entry, isNew] = present.try_emplace(name, present.size());
+        const auto [entry, isNew] = present.try_emplace(name, target->attributes().size());
         if (isNew)
             target->appendAttribute(XMLDocument::copyString(name.data(), name.size()), inherited);
         else

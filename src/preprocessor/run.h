@@ -3,13 +3,13 @@
 #include "budget.h"
 #include "directive.h"
 #include "macroscopes.h"
-#include "sharedtext.h"
 #include "simpleexpressionparser.h"
 #include "xmlpp2.h"
 
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 namespace directive
 {
@@ -65,12 +65,18 @@ public:
     const Limits &limits;
     MacroScopes macros;
     Budget budget;
-    SharedText sharedText;
+    std::unordered_map<const XMLNode *, std::uint64_t> textOfFragments;  ///< that were put
+    std::uint64_t sharedText = 0;    ///< bytes that all copies of fragments share with these
     const XMLNode *const firstRoot;  ///< the document's root before the walk
 
 private:
     bool stopped = false;
 };
+
+/// Spends what writing the document takes. Copies of fragments share their text, which takes no
+/// memory, so that a small document could make an output without end. Only looks at the document
+/// where all that was copied would be too much: directives can have removed most of it.
+void chargeSharedText(Run &run);
 
 /// The value of an attribute; empty when it has none.
 inline std::string_view textOf(const XMLAttribute &attribute)

@@ -140,7 +140,7 @@ bool Walk::enter()
 void Walk::finishRoot()
 {
     const XMLNode *root = run.document.root;
-    run.sharedText.charge(root, &run.budget);
+    directive::chargeSharedText(run);
     if (root && !run.stopPastBounds() &&
         (root->nextSibling || root->kind() != XMLNode::Kind::Element))
         run.report("the document needs exactly one root element");
