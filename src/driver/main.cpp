@@ -1,6 +1,7 @@
 #include "installation.h"
 #include "macrovalues.h"
 #include "myxmlpp2.h"
+#include "outputfile.h"
 
 #include <csignal>
 #include <cstdio>
@@ -39,6 +40,7 @@ void prepareProcess()
     // A full quota or a reader that has gone is a failed write, not the end of the process.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
+    OutputFile::removeOnSignals();
     // A standard stream that is closed would lend its number to the next file that is opened,
     // and an error message would go into that file.
     for (int descriptor = open("/dev/null", O_RDWR); descriptor >= 0;

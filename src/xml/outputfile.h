@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdio>
 #include <string>
 
@@ -20,6 +21,10 @@ public:
     OutputFile(const OutputFile &) = delete;
     OutputFile &operator=(const OutputFile &) = delete;
 
+    /// Makes SIGINT, SIGTERM and SIGHUP remove all temporary files before they end the process,
+    /// where they would end it: one that is ignored stays so.
+    static void removeOnSignals();
+
     /// Null when the file cannot be written.
     FILE *stream() const { return file; }
 
@@ -34,8 +39,18 @@ private:
     static Plan planForSystemLink(const char *fileName);
     int open(const char *fileName);
     int openTemporary(const Plan &plan);
+    void forgetTemporary();
+    static void endBySignal(int number);
 
     std::string target;     ///< what the temporary file is renamed to
     std::string temporary;  ///< empty when there is no temporary file
     FILE *file = nullptr;
+
+    // The chain of those that have a temporary file or are about to make one. A signal can come
+    // between any two instructions: so an OutputFile is in the chain before its file is made, its
+    // name changes only while it is not, and the chain changes by single stores.
+    using Link = std::atomic<OutputFile *>;
+    static_assert(Link::is_always_lock_free);
+    static Link newest;
+    Link older = nullptr;
 };
