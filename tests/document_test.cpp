@@ -177,6 +177,53 @@ TEST(Document, LoadsAndSavesByName)
     EXPECT_EQ(treeText(document.root), "a");
 }
 
+TEST(Document, ReadsUpToANulOrToTheLimit)
+{
+    const ScratchDirectory scratch;
+    const std::string much = "<a/>" + std::string(100'000, ' ');
+    const struct {
+        std::string file;
+        std::size_t limit;
+        const char *outcome;
+    } rows[] = {
+        {"<a/>", 4, "a"},
+        {"<a/>", 3, "too long"},
+        {much, much.size(), "a"},
+        {much, much.size() - 1, "too long"},
+        {"<a/>" + std::string(1, '\0') + much + "<b/>", SIZE_MAX, "a"},
+        {much + std::string(1, '\0') + much + "<b/>", SIZE_MAX, "a"},
+        {much + much + "<b/>" + std::string(1, '\0') + "<c/>", SIZE_MAX, "b"},
+    };
+    for (const auto &[file, limit, outcome] : rows) {
+        scratch.write("a.xml", file);
+        const auto pipe = "cat " + scratch.file("a.xml");
+        for (FILE *stream :
+             {fopen(scratch.file("a.xml").c_str(), "rb"), popen(pipe.c_str(), "r")}) {
+            XMLDocument document(false);
+            document.readLimit = limit;
+            const bool isRead = document.read(stream);
+            EXPECT_EQ(document.passedReadLimit ? "too long" : treeText(document.root), outcome);
+            EXPECT_EQ(isRead, !document.passedReadLimit);
+            std::fclose(stream);
+        }
+    }
+}
+
+TEST(Document, ReadsNothingOfEndlessAndEmptyFiles)
+{
+    const ScratchDirectory scratch;
+    scratch.write("sparse.xml", "<a/>" + std::string(50'000, ' '));
+    std::filesystem::resize_file(scratch.file("sparse.xml"), std::uintmax_t{1} << 40);
+    XMLDocument document(false);
+    EXPECT_TRUE(document.load(scratch.file("sparse.xml").c_str()));
+    EXPECT_EQ(treeText(document.root), "a");
+    EXPECT_TRUE(document.load("/dev/zero"));
+    EXPECT_EQ(treeText(document.root), "null");
+    document.readLimit = 1 << 20;
+    EXPECT_FALSE(document.load(scratch.file("sparse.xml").c_str()));
+    EXPECT_TRUE(document.passedReadLimit);
+}
+
 TEST(Document, ReadsAStreamFromItsStart)
 {
     XMLDocument document(false);

@@ -1,31 +1,55 @@
 #include "inputtext.h"
 
 #include <algorithm>
+#include <cstring>
 #include <sys/stat.h>
 
 namespace
 {
 
-/// Bytes of the file behind the stream, 0 when it cannot tell.
-std::size_t fileSize(FILE *stream)
+/// Bytes that are searched for a NUL before more is read.
+constexpr std::size_t piece = std::size_t{1} << 16;
+
+/// The size of a file, and how much of that takes room on the disk: a sparse file claims any size.
+struct FileSize {
+    std::size_t all = 0;
+    std::size_t stored = 0;
+};
+
+/// Zero where the stream's file is no regular one.
+FileSize fileSize(FILE *stream)
 {
     struct stat status = {};
     const int descriptor = fileno(stream);
-    const bool isKnown =
-        descriptor >= 0 && fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
-    return isKnown ? static_cast<std::size_t>(status.st_size) : 0;
+    if (descriptor < 0 || fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))
+        return {};
+    const auto all = static_cast<std::size_t>(status.st_size);
+    return {all, std::min(all, static_cast<std::size_t>(status.st_blocks) * 512)};
 }
 
-/// What is left, however long it is.
-std::string readRest(FILE *stream)
+/// Reads up to \a size bytes, but none behind the piece that holds the first NUL, and returns how
+/// many stand before that. *isEnd tells that there is no more to be read.
+std::size_t readPieces(FILE *stream, char *to, std::size_t size, bool *isEnd)
 {
-    constexpr std::size_t step = std::size_t{1} << 16;
+    std::size_t length = 0;
+    while (length < size && !*isEnd) {
+        const std::size_t wanted = std::min(piece, size - length);
+        const std::size_t got = std::fread(to + length, 1, wanted, stream);
+        const void *nul = std::memchr(to + length, '\0', got);
+        *isEnd = nul || got < wanted;
+        length = nul ? static_cast<std::size_t>(static_cast<const char *>(nul) - to) : length + got;
+    }
+    return length;
+}
+
+/// What is left, however long it is, up to a piece more than \a most bytes.
+std::string readRest(FILE *stream, std::size_t most)
+{
     std::string rest;
-    for (std::size_t got = step; got == step;) {
+    for (bool isEnd = false; !isEnd && rest.size() <= most;) {
         const std::size_t before = rest.size();
-        rest.resize(before + step);
-        got = std::fread(rest.data() + before, 1, step, stream);
-        rest.resize(before + got);
+        rest.resize(before + piece);
+        rest.resize(before + readPieces(stream, rest.data() + before, piece, &isEnd));
     }
     return rest;
 }
@@ -44,32 +68,37 @@ FILE *openFile(const std::string &name, const char *mode)
     return std::fopen(name.c_str(), mode);
 }
 
-std::span<char> readText(FILE *stream, Pool *pool)
+std::span<char> readText(FILE *stream, std::size_t most, Pool *pool, bool *isTooLong)
 {
     // Most files end within the first piece, and a directory, which names a size out of all
     // reason, fails with it.
     char first[std::size_t{1} << 14];
-    const std::size_t firstLength = std::fread(first, 1, sizeof first, stream);
+    const std::size_t got = std::fread(first, 1, sizeof first, stream);
     if (std::ferror(stream))
         return {};
-    const std::size_t size =
-        firstLength < sizeof first ? firstLength : std::max(fileSize(stream), firstLength);
-    char *text = allocateText(size, pool);
-    std::copy_n(first, firstLength, text);
-    std::size_t length =
-        firstLength + std::fread(text + firstLength, 1, size - firstLength, stream);
+    const FileSize file = got < sizeof first ? FileSize{} : fileSize(stream);
+    *isTooLong = std::max(got, file.all) > most;
+    if (*isTooLong)
+        return {};
+    const std::size_t firstLength = std::string_view(first, got).find('\0');
+    bool isEnd = got < sizeof first || firstLength != std::string_view::npos;
+    std::size_t length = std::min(firstLength, got);
+    const std::size_t room = isEnd ? length : std::max(file.stored, length);
+    char *text = allocateText(room, pool);
+    std::copy_n(first, length, text);
+    length += readPieces(stream, text + length, room - length, &isEnd);
     text[length] = '\0';
-    if (length == size && !std::feof(stream)) {
-        // A pipe cannot tell its size, and a file can have grown.
-        const std::string rest = readRest(stream);
-        if (!rest.empty()) {
-            char *whole = allocateText(length + rest.size(), pool);
-            std::copy(rest.begin(), rest.end(), std::copy_n(text, length, whole));
-            text = whole;
-            length += rest.size();
-        }
-    }
-    if (std::ferror(stream))
+    // A pipe cannot tell its size, a file can have grown, and what a file takes can be less than
+    // it holds.
+    const std::string rest = isEnd ? std::string() : readRest(stream, most - length);
+    *isTooLong = rest.size() > most - length;
+    if (std::ferror(stream) || *isTooLong)
         return {};
+    if (!rest.empty()) {
+        char *whole = allocateText(length + rest.size(), pool);
+        std::copy(rest.begin(), rest.end(), std::copy_n(text, length, whole));
+        text = whole;
+        length += rest.size();
+    }
     return {text, length};
 }

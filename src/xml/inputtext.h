@@ -17,6 +17,8 @@ struct CloseStream {
 };
 using InputStream = std::unique_ptr<FILE, CloseStream>;
 
-/// All that \a stream holds from where it stands, with a NUL behind it, in \a pool. Its data is
-/// null when it cannot be read.
-std::span<char> readText(FILE *stream, Pool *pool);
+/// What \a stream holds from where it stands up to its first NUL byte, with a NUL behind it, in
+/// \a pool. Nothing behind that byte is read but for the rest of one piece. Its data is null when it
+/// cannot be read, and when it is longer than \a most bytes, which *isTooLong then tells: a
+/// regular file by its size before it is read, any other as soon as it is.
+std::span<char> readText(FILE *stream, std::size_t most, Pool *pool, bool *isTooLong);

@@ -99,7 +99,10 @@ bool XMLDocument::load(const char *fileName)
 /// only for the message.
 bool XMLDocument::readOn(FILE *stream, const char *fileName)
 {
-    const std::span<char> text = stream ? readText(stream, this) : std::span<char>();
+    std::span<char> text;
+    passedReadLimit = false;
+    if (stream)
+        text = readText(stream, readLimit, this, &passedReadLimit);
     if (text.data())
         return parseOwn(text);
     errorLine = 0;

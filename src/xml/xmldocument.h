@@ -3,6 +3,7 @@
 #include "pool.h"
 #include "xmlnode.h"
 
+#include <cstdint>
 #include <cstdio>
 
 /// An XML document: a tree of nodes and the pool in which the nodes and their strings live until
@@ -29,7 +30,8 @@ public:
     bool parse(char *text);
 
     /// parse() with all that \a stream holds, from its start where it can be sought, up to the
-    /// first NUL byte. Fails without a change to the tree when the stream cannot be read.
+    /// first NUL byte. Fails without a change to the tree when the stream cannot be read or holds
+    /// more than the limit.
     bool read(FILE *stream);
     bool load(const char *fileName);
 
@@ -55,8 +57,10 @@ public:
     /// of its own.
     XMLNode *copyNode(const XMLNode *source, XMLNode *newParent);
 
-    int indent = 0;     ///< spaces per level of the last write()
-    bool keepComments;  ///< whether comments and character data become nodes
+    int indent = 0;                    ///< spaces per level of the last write()
+    bool keepComments;                 ///< whether comments and character data become nodes
+    std::size_t readLimit = SIZE_MAX;  ///< bytes that a file or stream that is read may hold
+    bool passedReadLimit = false;      ///< whether that made the last read() or load() fail
     char *doctype = nullptr;
     char *version = nullptr;
     char *encoding = nullptr;
