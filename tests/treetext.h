@@ -20,12 +20,12 @@ inline std::string treeText(const XMLNode *node, bool lines = false)
             text += (&attribute == element->attributes().data() ? "[" : " ");
             text += attribute.name + (attribute.value ? "=" + std::string(attribute.value) : "");
         }
-        text += !element->attributes().empty() ? "]" : "";
+        text += element->attributes().empty() ? "" : "]";
     } else {
         const std::string data = static_cast<const XMLText *>(node)->data();
-        text = node->kind() == XMLNode::Kind::Data      ? "#" + data
-               : node->kind() == XMLNode::Kind::Comment ? "!" + data
-                                                        : "[" + data + "]";
+        const bool isCData = node->kind() == XMLNode::Kind::CDATASection;
+        text = (isCData ? "[" : node->kind() == XMLNode::Kind::Data ? "#" : "!") + data;
+        text += isCData ? "]" : "";
     }
     text += lines ? "@" + std::to_string(node->line) : "";
     for (const XMLNode *child = node->firstChild; child; child = child->nextSibling) {

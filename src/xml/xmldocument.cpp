@@ -6,7 +6,6 @@
 #include "xmlreader.h"
 #include "xmlwriter.h"
 
-#include <algorithm>
 #include <cstring>
 
 XMLDocument::XMLDocument(bool keepCommentsAndData) : keepComments(keepCommentsAndData) {}
@@ -38,14 +37,7 @@ XMLNode *XMLDocument::copyOne(const XMLNode *source)
     case XMLNode::Kind::Element: {
         const auto *element = static_cast<const XMLElement *>(source);
         XMLElement *copy = createElement(element->name());
-        // An element of a subclass can come with attributes of its own.
-        if (copy->attributes().empty()) {
-            std::ranges::copy(element->attributes(),
-                              copy->makeAttributes(element->attributes().size()).begin());
-        } else {
-            for (const XMLAttribute &attribute : element->attributes())
-                copy->setAttribute(attribute.name, attribute.value);
-        }
+        copy->addAttributes(element->attributes());
         return copy;
     }
     case XMLNode::Kind::Data:

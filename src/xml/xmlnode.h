@@ -123,6 +123,21 @@ public:
         return {firstAttribute, count};
     }
 
+    /// Adds \a added, in which no name occurs twice. Returns whether they are all that there are now:
+    /// an element of a subclass can come with some of its own, which then take over the values.
+    bool addAttributes(std::span<const XMLAttribute> added)
+    {
+        const bool isBare = attributeCount == 0;
+        if (isBare && !added.empty()) {
+            XMLAttribute *to = makeAttributes(added.size()).data();
+            for (const XMLAttribute &attribute : added)
+                *to++ = attribute;
+        }
+        for (std::size_t i = 0; !isBare && i < added.size(); ++i)
+            setAttribute(added[i].name, added[i].value);
+        return isBare;
+    }
+
     /// Whether no attribute value holds a '$', as far as that is known: whoever sets the values
     /// can tell, and whatever could change an attribute makes it unknown.
     bool isLiteral() const { return literal != 0; }

@@ -6,7 +6,6 @@
 
 #include <cassert>
 #include <cstring>
-#include <utility>
 
 namespace
 {
@@ -271,8 +270,9 @@ inline char *XMLReader::readAttribute(char *from)
         return at;
     const Span value = quotedAt(at);
     at = passSpace(passByte(value.end));
-    endAt(name.end);
-    endAt(value.end);
+    lineAt(at);
+    *name.end = '\0';
+    *value.end = '\0';
     if (ampersands.isBefore(value.end))
         decodeReferences(value.start, value.end, value.start, false);
     setAttribute(name, value.start);
@@ -314,18 +314,8 @@ XMLElement *XMLReader::makeElement(const Span &name)
     endAt(name.end);
     XMLElement *element = document->createElement(name.start);
     element->line = markupLine;
-    // An element of a subclass can come with attributes of its own.
-    if (!std::as_const(*element).attributes().empty()) {
-        for (const XMLAttribute &attribute : attributes)
-            element->setAttribute(attribute.name, attribute.value);
-        return element;
-    }
-    if (!attributes.empty()) {
-        XMLAttribute *to = element->makeAttributes(attributes.size()).data();
-        for (const XMLAttribute &attribute : attributes)
-            *to++ = attribute;
-    }
-    if (!dollars.isBefore(position) && !ampersands.isBefore(position))
+    if (element->addAttributes(attributes) && !dollars.isBefore(position) &&
+        !ampersands.isBefore(position))
         element->setLiteral();
     return element;
 }
