@@ -2,6 +2,7 @@
 #include "macrovalues.h"
 #include "myxmlpp2.h"
 #include "outputfile.h"
+#include "outputfile.h"
 
 #include <csignal>
 #include <cstdio>
@@ -9,6 +10,7 @@
 #include <exception>
 #include <fcntl.h>
 #include <new>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace
@@ -41,6 +43,7 @@ void prepareProcess()
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
     OutputFile::removeOnSignals();
+    OutputFile::removeOnSignals();
     // A standard stream that is closed would lend its number to the next file that is opened,
     // and an error message would go into that file.
     for (int descriptor = open("/dev/null", O_RDWR); descriptor >= 0;
@@ -66,6 +69,9 @@ int run(int argc, char **argv)
     // Never destroyed: the system takes the memory back at once, where the pool would first fill
     // all of it to show stale pointers.
     static MyXMLPP2 &document = *new MyXMLPP2(false);
+    rlimit stack = {};
+    if (getrlimit(RLIMIT_STACK, &stack) == 0 && stack.rlim_cur != RLIM_INFINITY)
+        document.limits.fitStack(stack.rlim_cur);
     if (!document.preprocessFile(argv[1], argc > 3 ? argv[3] : "", true)) {
         std::fprintf(stderr, "load error %s at %d\n", document.errorMessage, document.errorLine);
         return EXIT_FAILURE;

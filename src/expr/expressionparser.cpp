@@ -9,6 +9,7 @@ std::unique_ptr<Expression> ExpressionParser::parse(const char *text, std::size_
     lexer.borrowText(text ? text : "");
     readingDepth = 0;
     treeHeight = 0;
+    wasTooDeep = false;
     if (text && *text) {
         tree = TreeParser(lexer, *this, &readingDepth).parseExpression();
         treeHeight = tree->height();

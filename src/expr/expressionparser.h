@@ -61,6 +61,11 @@ public:
     /// The value of \a text; the void value for an empty text. *position as in parse().
     ExpressionValue evaluate(const char *text, std::size_t *position = nullptr);
 
+    /// How deep the calls of reading an expression, and of what visits its tree, may go. A
+    /// parenthesis takes two or three of them, and each takes about 200 bytes of stack.
+    int maximumDepth = 4000;
+    bool wasTooDeep = false;  ///< whether that ended the last parse() or evaluate()
+
     ExpressionParser(const ExpressionParser &) = delete;
     ExpressionParser &operator=(const ExpressionParser &) = delete;
 

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "expression.h"
+#include "expressionparser.h"
 #include "lexer.h"
 #include "parserexception.h"
-
-class ExpressionParser;
 
 /// One reading of one expression, as all that takes part in it shares it: the tokens, the parser
 /// that knows names, and how much is made. Whatever is no expression, or is past one of the bounds
@@ -12,9 +11,6 @@ class ExpressionParser;
 class Reading
 {
 public:
-    /// How deep the calls of a reading, and of what visits its trees, may go. A parenthesis takes
-    /// two or three of them, and each takes about 200 bytes of stack.
-    static constexpr int maximumDepth = 4000;
     /// What a tree may consist of: one for each node, and one for every 32 characters of a name or
     /// a string. What an assignment such as += stands for counts each time that it is evaluated,
     /// because x++++++ and so on doubles with every step.
@@ -26,7 +22,7 @@ public:
     public:
         explicit Nesting(Reading *reading) : depth(reading->depth)
         {
-            checkHeight(depth + 1);
+            reading->checkHeight(depth + 1);
             reading->entered = ++depth;
         }
         ~Nesting() { --depth; }
@@ -42,6 +38,7 @@ public:
     Reading(Lexer &tokens, ExpressionParser &resolver, int *lastDepth)
         : lexer(tokens),
           parser(resolver),
+          maximumDepth(resolver.maximumDepth),
           entered(*lastDepth)
     {
     }
@@ -91,12 +88,14 @@ public:
     ExpressionParser &parser;
 
 private:
-    static void checkHeight(int height)
+    void checkHeight(int height)
     {
-        if (height > maximumDepth)
+        parser.wasTooDeep = height > maximumDepth;
+        if (parser.wasTooDeep)
             throw ParserException("expression nested too deeply");
     }
 
+    const int maximumDepth;
     int depth = 0;  ///< calls that are open
     int &entered;
     std::size_t total = 0;

@@ -1,5 +1,14 @@
 #include "budget.h"
 
+void Limits::fitStack(std::uint64_t bytes)
+{
+    constexpr std::uint64_t usual = std::uint64_t{8} << 20;
+    if (bytes >= usual)
+        return;
+    for (int *depth : {&nestedLevels, &expressionDepth})
+        *depth = static_cast<int>(static_cast<std::uint64_t>(*depth) * bytes / usual);
+}
+
 namespace directive
 {
 
@@ -13,14 +22,18 @@ Budget::Budget(const Limits &atMost, const Pool &target)
 
 std::string Budget::message() const
 {
-    std::string text = "directives ";
     if (growth() > limits.growth)
-        text.append("bring more than ")
-            .append(std::to_string(limits.growth))
-            .append(" bytes into the document");
-    else
-        text.append("make more than ").append(std::to_string(limits.work)).append(" steps of work");
-    return text;
+        return growthMessage();
+    return std::string("directives make more than ")
+        .append(std::to_string(limits.work))
+        .append(" steps of work");
+}
+
+std::string Budget::growthMessage() const
+{
+    return std::string("directives bring more than ")
+        .append(std::to_string(limits.growth))
+        .append(" bytes into the document");
 }
 
 }  // namespace directive

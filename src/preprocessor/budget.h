@@ -2,6 +2,7 @@
 
 #include "pool.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -9,9 +10,11 @@
 /// What a document may ask of the walk. Beyond a bound the run ends in an error that names it.
 struct Limits {
     /// Elements nested in each other, those of included files and fragments counted where they
-    /// stand. The default takes less than half of a stack of 8 MiB.
+    /// stand. The default takes less than a quarter of a stack of 8 MiB.
     int nestedLevels = 5000;
     int nestedIncludes = 200;
+    /// Of expressions, see ExpressionParser::maximumDepth. The default takes a mebibyte of stack.
+    int expressionDepth = 4000;
     /// Rounds of one <for>, combinations of one <foreach>.
     unsigned loopRounds = 10'000'000;
     /// Bytes that directives bring into the document's pool: copies, expanded values, included
@@ -21,6 +24,10 @@ struct Limits {
     /// Copies share their text, so that a small document can have a large expression evaluated
     /// again and again without growing.
     std::uint64_t work = 700'000'000'000;
+
+    /// Takes the bounds on nesting down to what a stack of \a bytes holds twice over; no change
+    /// from 8 MiB on.
+    void fitStack(std::uint64_t bytes);
 };
 
 namespace directive
@@ -68,8 +75,12 @@ public:
         return isSpent() ? 0 : (workAtMost - work) / static_cast<std::uint64_t>(price);
     }
 
+    /// Bytes that directives may still bring in.
+    std::size_t growthLeft() const { return limits.growth - std::min(growth(), limits.growth); }
+
     /// What a spent budget was spent on, for an error.
     std::string message() const;
+    std::string growthMessage() const;
 
 private:
     std::size_t growth() const { return pool.bytesUsed() - bytesAtStart; }

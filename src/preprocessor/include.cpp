@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 namespace directive
 {
@@ -70,13 +71,15 @@ void reportFailedLoad(Run &run, const std::string &path, bool hasRoot)
 }
 
 /// The root element of the file, which belongs to the document but is not linked to it. Null
-/// after an error was reported.
+/// after an error was reported. No more is read than the document may still grow.
 XMLElement *loadInclude(Run &run, const std::string &path)
 {
     XMLPP2 &document = run.document;
     XMLNode *const root = document.root;
     const std::size_t bytesBefore = document.bytesUsed();
+    const std::size_t limit = std::exchange(document.readLimit, run.budget.growthLeft());
     const bool ok = document.load(path);
+    document.readLimit = limit;
     run.budget.spend(Price::Include, 1);
     run.budget.spend(Price::PathPart, static_cast<std::uint64_t>(std::ranges::count(path, '/')));
     run.budget.spend(Price::IncludedByte, document.bytesUsed() - bytesBefore);
@@ -84,7 +87,10 @@ XMLElement *loadInclude(Run &run, const std::string &path)
     document.root = root;
     if (ok && included)
         return included;
-    reportFailedLoad(run, path, included);
+    if (document.passedReadLimit)
+        run.stop(run.budget.growthMessage());
+    else
+        reportFailedLoad(run, path, included);
     return nullptr;
 }
 

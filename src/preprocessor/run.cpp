@@ -51,6 +51,11 @@ void Run::report(const std::string &message)
     document.reportError(std::string("XmlPP::processConditionals(): ").append(message));
 }
 
+void Run::stopTooDeep(int levels)
+{
+    stop(std::string("nested more than ").append(std::to_string(levels)).append(" levels deep"));
+}
+
 void Run::stop(const std::string &message)
 {
     stopped = true;

@@ -30,8 +30,12 @@ public:
                     const std::string &text, bool *ok)
     {
         SimpleExpressionParser parser;
+        parser.maximumDepth = limits.expressionDepth;
         const Value value = (parser.*evaluate)(text.c_str(), ok);
         budget.spend(Price::Nanosecond, parser.steps());
+        // It would have a value on a larger stack, and nothing may be lost for that.
+        if (parser.wasTooDeep && limits.expressionDepth < Limits().expressionDepth)
+            stopTooDeep(limits.expressionDepth);
         return value;
     }
 
@@ -52,6 +56,7 @@ public:
     void report(const std::string &message);
     /// report() of an error that ends the walk, also where reportError() returns.
     void stop(const std::string &message);
+    void stopTooDeep(int levels);
     bool isStopped() const { return stopped; }
     /// isStopped(), after the walk was ended if it has gone past a bound.
     bool stopPastBounds()

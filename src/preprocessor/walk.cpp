@@ -130,9 +130,7 @@ bool Walk::enter()
         ++depth;
         return true;
     }
-    run.stop(std::string("nested more than ")
-                 .append(std::to_string(run.limits.nestedLevels))
-                 .append(" levels deep"));
+    run.stopTooDeep(run.limits.nestedLevels);
     return false;
 }
 
