@@ -2,36 +2,53 @@
 
 #include "macrolist.h"
 
-#include <utility>
+#include <algorithm>
+#include <cassert>
 
-MacroScopes::MacroScopes(MacroMap *outermostLevel) : outermost(*outermostLevel)
+MacroScopes::MacroScopes(MacroMap *outermostLevel) : outermost(*outermostLevel), cells(64)
 {
     for (const auto &[name, value] : outermost)
-        macros[name] = {.value = value, .isDefined = true};
+        define(name, value);
 }
 
-bool MacroScopes::find(std::string_view name, std::string_view *value)
+MacroScopes::Macro &MacroScopes::findOrAdd(std::string_view name)
 {
-    const auto found = macros.find(name);
-    if (found == macros.end() || !found->second.isDefined)
-        return false;
-    *value = found->second.value;
-    return true;
+    const NameKey key(name);
+    if (Macro *found = cells[cellOf(key, name)])
+        return *found;
+    if (macros.size() * 2 == cells.size()) {
+        cells.assign(cells.size() * 2, nullptr);
+        for (Macro &macro : macros)
+            cells[cellOf(macro.key, macro.name)] = &macro;
+    }
+    return *(cells[cellOf(key, name)] = &macros.emplace_back(Macro{key, std::string(name)}));
 }
 
-void MacroScopes::set(std::string_view name, std::string_view value)
+void MacroScopes::set(std::string_view name, std::string_view newValue)
 {
+    assert(newValue.data() < text.data() || newValue.data() > text.data() + text.size());
     if (depth == 0)
-        outermost.insert_or_assign(std::string(name), value);
-    auto entry = macros.find(name);
-    if (entry == macros.end())
-        entry = macros.emplace(name, Macro{}).first;
-    Macro &macro = entry->second;
-    if (macro.depth != depth)
-        changes.push_back({&macro, std::exchange(macro, {})});
-    macro.value = value;
-    macro.isDefined = true;
-    macro.depth = depth;
+        outermost.insert_or_assign(std::string(name), newValue);
+    define(name, newValue);
+}
+
+void MacroScopes::define(std::string_view name, std::string_view newValue)
+{
+    Macro &macro = findOrAdd(name);
+    Value &value = macro.value;
+    if (value.depth != depth) {
+        changes.push_back({&macro, value});
+        value = {.depth = depth};
+    }
+    if (newValue.size() > value.room) {
+        value.start = text.size();
+        value.room = std::max(newValue.size(), 2 * value.room);
+        text.append(newValue).resize(value.start + value.room);
+    } else {
+        newValue.copy(text.data() + value.start, newValue.size());
+    }
+    value.length = newValue.size();
+    value.isDefined = true;
 }
 
 void MacroScopes::setList(std::string_view list)
@@ -49,9 +66,11 @@ void MacroScopes::setList(std::string_view list)
     });
 }
 
-void MacroScopes::leave(std::size_t changesBefore)
+void MacroScopes::leave(std::size_t changesBefore, std::size_t textBefore)
 {
+    assert(changes.size() >= changesBefore && text.size() >= textBefore);
     for (; changes.size() > changesBefore; changes.pop_back())
-        *changes.back().macro = std::move(changes.back().before);
+        changes.back().macro->value = changes.back().before;
+    text.resize(textBefore);
     --depth;
 }

@@ -3,11 +3,10 @@
 #include "macromap.h"
 #include "namehash.h"
 
-#include <cassert>
 #include <cstddef>
+#include <deque>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 /// The macros of levels that lie in each other: what a level defines is seen on the levels in it
@@ -15,13 +14,14 @@
 ///
 /// There is one table for all levels, which holds for each name what the innermost level that
 /// knows it says. Beside it stands a log of what to put back: the first time that a level changes
-/// a macro, what the level around it had made of it moves into the log, and on leaving the level
-/// the log is gone through from its newest entry down to where the level began. So a look-up is
-/// one look-up however deep the levels are, a level costs what it defines and nothing else, and
-/// redefining a macro on its own level overwrites a value that nobody can ask for again. A name
-/// that is undone to "not defined" keeps its place in the table, so that the log can point into
-/// it, and since bodies that define it tend to come again.
-class MacroScopes : public MacroLookup
+/// a macro, what it was goes into the log, and on leaving the level the log is gone through from
+/// its newest entry down to where the level began. So a look-up is one look-up however deep the
+/// levels are, and a level costs what it defines and nothing else. The values are a stack of text
+/// that grows and shrinks with the log; redefining a macro on its own level overwrites a value that
+/// nobody can ask for again, or, where that is too short, takes twice its room. A name that is
+/// undone to "not defined" keeps its place in the table: the log can point there, and bodies that
+/// define it tend to come again.
+class MacroScopes final : public MacroLookup
 {
 public:
     /// The outermost level is \a outermostLevel, which must outlive this object and receives what
@@ -36,55 +36,79 @@ public:
     public:
         explicit Scope(MacroScopes *target)
             : scopes(*target),
-              depth(++scopes.depth),
-              changesBefore(scopes.changes.size())
+              changesBefore(scopes.changes.size()),
+              textBefore(scopes.text.size())
         {
+            ++scopes.depth;
         }
-        ~Scope()
-        {
-            assert(scopes.depth == depth);
-            scopes.leave(changesBefore);
-        }
+        ~Scope() { scopes.leave(changesBefore, textBefore); }
         Scope(const Scope &) = delete;
         Scope &operator=(const Scope &) = delete;
 
     private:
         MacroScopes &scopes;
-        int depth;
         std::size_t changesBefore;
+        std::size_t textBefore;
     };
 
-    bool contains(std::string_view name) const
+    bool contains(std::string_view name) const { return defined(name); }
+    bool find(std::string_view name, std::string_view *value) override
     {
-        const auto found = macros.find(name);
-        return found != macros.end() && found->second.isDefined;
+        const Macro *macro = defined(name);
+        if (macro)
+            *value = {text.data() + macro->value.start, macro->value.length};
+        return macro;
     }
 
-    bool find(std::string_view name, std::string_view *value) override;
-
-    /// Defines a macro on the innermost level, whether there was one of that name or not. Neither
-    /// text may be a value that find() gave.
-    void set(std::string_view name, std::string_view value);
+    /// Defines a macro on the innermost level, whether there was one of that name or not. \a newValue
+    /// may not be one that find() gave.
+    void set(std::string_view name, std::string_view newValue);
 
     /// Defines the items of \a list (see MacroValues::splitMacroList() and parseMacroList()) on the
     /// innermost level. Newlines in it do not count.
     void setList(std::string_view list);
 
 private:
-    struct Macro {
-        std::string value;
+    struct Value {
+        std::size_t start = 0;  ///< in the text
+        std::size_t length = 0;
+        std::size_t room = 0;  ///< bytes from the start that are free for this value
+        int depth = 0;         ///< of the level that defined it
         bool isDefined = false;
-        int depth = 0;  ///< of the level that defined it
+    };
+    struct Macro {
+        NameKey key;
+        std::string name;
+        Value value = {};
     };
     struct Change {
         Macro *macro;
-        Macro before;
+        Value before;
     };
 
-    void leave(std::size_t changesBefore);
+    /// The cell of the macro of that name, or the free one that it would have.
+    std::size_t cellOf(const NameKey &key, std::string_view name) const
+    {
+        const std::size_t mask = cells.size() - 1;
+        for (std::size_t cell = key.hash() & mask;; cell = (cell + 1) & mask) {
+            const Macro *macro = cells[cell];
+            if (!macro || (macro->key == key && (key.isName() || macro->name == name)))
+                return cell;
+        }
+    }
+    const Macro *defined(std::string_view name) const
+    {
+        const Macro *macro = cells[cellOf(NameKey(name), name)];
+        return macro && macro->value.isDefined ? macro : nullptr;
+    }
+    Macro &findOrAdd(std::string_view name);
+    void define(std::string_view name, std::string_view newValue);
+    void leave(std::size_t changesBefore, std::size_t textBefore);
 
     MacroMap &outermost;
-    std::unordered_map<std::string, Macro, NameHash, std::equal_to<>> macros;
+    std::deque<Macro> macros;
+    std::vector<Macro *> cells;  ///< the macros by the hash of their names, at most half full
     std::vector<Change> changes;
+    std::string text;
     int depth = 0;
 };

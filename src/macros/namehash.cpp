@@ -1,46 +1,20 @@
 #include "namehash.h"
 
-#include <algorithm>
-#include <cstring>
 #include <sys/random.h>
 
-namespace
+const NameKey::Seed NameKey::seed;
+
+NameKey::Seed::Seed() : numbers{0x9E3779B97F4A7C15, 0xD1B54A32D192ED03}
 {
-
-/// Two random numbers of the process. Both go into every product below, so that no factor of one
-/// is known outside.
-struct Seed {
-    Seed()
-    {
-        // Without random numbers the hash is the same in every process, and works.
-        if (getentropy(numbers, sizeof numbers) != 0)
-            std::fill(std::begin(numbers), std::end(numbers), 0x9E3779B97F4A7C15U);
-    }
-
-    std::uint64_t numbers[2];
-};
-
-const Seed seed;
-
-/// The 128 bits of a product, folded: every bit of the result depends on all of both factors.
-std::uint64_t mix(std::uint64_t first, std::uint64_t second)
-{
-    __extension__ using Product = unsigned __int128;
-    const Product product = static_cast<Product>(first ^ seed.numbers[0]) *
-                            static_cast<Product>(second ^ seed.numbers[1]);
-    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+    // Where there is no randomness the numbers stay, and hashes are the same in every process.
+    [[maybe_unused]] const int result = getentropy(numbers, sizeof numbers);
 }
 
-}  // namespace
-
-std::size_t NameHash::operator()(std::string_view name) const
+std::uint64_t NameKey::hashOf(std::string_view name)
 {
-    std::uint64_t hash = name.size();
-    while (!name.empty()) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, name.data(), std::min(name.size(), sizeof word));
-        hash = mix(word, hash);
-        name.remove_prefix(std::min(name.size(), sizeof word));
-    }
-    return hash;
+    std::uint64_t hash = 0;
+    for (; name.size() > sizeof hash; name.remove_prefix(sizeof hash))
+        hash = mix(read<std::uint64_t>(name.data()), hash);
+    // The last word overlaps the one before it.
+    return mix(read<std::uint64_t>(name.data() + name.size() - sizeof hash), hash);
 }

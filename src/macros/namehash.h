@@ -2,12 +2,76 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
-/// Hashes names for the unordered containers of the standard library, in every process in another
-/// way: no document can hold names that are known to collide.
+/// A name as two numbers and its length. Of names of up to 16 bytes no two have the same, so that
+/// comparing them takes no call; of a longer one the numbers are a hash.
+class NameKey
+{
+public:
+    static constexpr std::size_t mostBytes = 16;
+
+    explicit NameKey(std::string_view name) : length(name.size())
+    {
+        const char *const end = name.data() + length;
+        if (length > mostBytes) {
+            first = hashOf(name);
+        } else if (length >= 8) {
+            first = read<std::uint64_t>(name.data());
+            second = read<std::uint64_t>(end - 8);
+        } else if (length >= 4) {
+            first = read<std::uint32_t>(name.data());
+            second = read<std::uint32_t>(end - 4);
+        } else if (length > 0) {
+            first = read<std::uint8_t>(name.data());
+            second = read<std::uint8_t>(name.data() + length / 2);
+            second = second << 8 | read<std::uint8_t>(end - 1);
+        }
+    }
+
+    bool operator==(const NameKey &) const = default;
+
+    /// Whether equal keys are equal names.
+    bool isName() const { return length <= mostBytes; }
+
+    /// Differs from process to process: no document can hold names that are known to collide.
+    std::size_t hash() const { return mix(first, second ^ length); }
+
+private:
+    /// Two random numbers of the process, one for each factor of every product.
+    static const struct Seed {
+        Seed();
+        std::uint64_t numbers[2];
+    } seed;
+
+    template <typename Number>
+    static Number read(const char *from)
+    {
+        Number number;
+        std::memcpy(&number, from, sizeof number);
+        return number;
+    }
+
+    /// The halves of a product on each other: every bit depends on all of both factors.
+    static std::uint64_t mix(std::uint64_t one, std::uint64_t other)
+    {
+        __extension__ using Product = unsigned __int128;
+        const Product product =
+            static_cast<Product>(one ^ seed.numbers[0]) * (other ^ seed.numbers[1]);
+        return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+    }
+
+    static std::uint64_t hashOf(std::string_view name);
+
+    std::uint64_t first = 0;
+    std::uint64_t second = 0;
+    std::size_t length;
+};
+
+/// NameKey for the unordered containers of the standard library.
 struct NameHash {
     using is_transparent = void;
 
-    std::size_t operator()(std::string_view name) const;
+    std::size_t operator()(std::string_view name) const { return NameKey(name).hash(); }
 };
