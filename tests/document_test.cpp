@@ -145,6 +145,31 @@ TEST_F(Tree, ExpandsAttributes)
     EXPECT_EQ(b->attribute("s"), same);
 }
 
+TEST_F(Tree, ExpandsAndSharesTheRest)
+{
+    const MacroMap macros{{"m", "1"}};
+    MapLookup lookup(&macros);
+    const char *literal = "literal";
+    b->setAttribute("v", "$(m)2");
+    b->setAttribute("s", literal);
+    std::uint64_t steps = 0;
+    const XMLElement *copy = document.copyElementExpanded(b, lookup, &steps);
+    EXPECT_EQ(treeText(copy), "b[v=12 s=literal]");
+    EXPECT_EQ(copy->attribute("s"), literal);
+    EXPECT_NE(document.copyElementExpanded(b, macros)->attribute("s"), literal);
+    EXPECT_GT(steps, 0U);
+}
+
+TEST_F(Tree, ExpandsWhereThePoolsBlockEnds)
+{
+    for (std::size_t length = 0; length < 1000; ++length) {
+        const std::string value(length, 'm');
+        b->setAttribute("v", "$(m)");
+        document.expandAttributes(b, {{"m", value}});
+        EXPECT_EQ(b->attribute("v"), value);
+    }
+}
+
 TEST_F(Tree, ExpandsWhatIsSetAfterReading)
 {
     std::string text = R"(<r><x n="1"/><y n="1"/><z n="1"/></r>)";

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cstring>
 #include <new>
 #include <vector>
 
@@ -15,30 +16,62 @@ namespace price
 {
 constexpr std::uint64_t pass = 9000;
 constexpr std::uint64_t introducer = 6500;
-constexpr std::uint64_t reference = 22000;
-constexpr std::uint64_t dateOrTime = 25000;
-constexpr std::uint64_t unclosed = 3000;  ///< an introducer whose reference has no end
+constexpr std::uint64_t reference = 11000;
+constexpr std::uint64_t plainPass = 8000;
+constexpr std::uint64_t plainReference = 11000;
+constexpr std::uint64_t dateOrTime = 30000;
 constexpr std::uint64_t characterPassed = 8;
 constexpr std::uint64_t characterAppended = 18;
-constexpr std::uint64_t characterInReference = 700;
-constexpr std::uint64_t characterNoted = 1500;  ///< searched for what is never closed
+constexpr std::uint64_t characterInReference = 650;
+constexpr std::uint64_t characterNoted = 2000;  ///< searched for what is never closed
 }  // namespace price
+
+/// Whether \a c is one of the many characters that mean nothing in a reference, as letters and
+/// digits are. Says of some others that it is not.
+bool isOrdinary(char c)
+{
+    return c > ')' && c != ':';
+}
+
+struct Parts {
+    std::string_view name;
+    std::string_view fallback;  ///< for where there is no macro of that name
+    bool hasTwoColons;
+};
+
+/// The parts of a reference that is written like this, with its first colon there.
+Parts partsOf(std::string_view reference, std::size_t colon)
+{
+    const std::size_t end = reference.size() - 1;
+    if (colon > end)
+        return {{reference.data() + 2, end - 2}, reference, false};
+    const bool hasTwoColons = reference[colon + 1] == ':';
+    const std::size_t start = colon + 1 + hasTwoColons;
+    return {
+        {reference.data() + 2, colon - 2}, {reference.data() + start, end - start}, hasTwoColons};
+}
+
+/// Whether it is worth asking builtinMacroValue().
+bool canBeBuiltin(std::string_view name)
+{
+    return name.starts_with('D') || name.starts_with('T');
+}
 
 /// One expansion: passes over a text, each of which makes the text of the next.
 ///
 /// A pass copies what is plain and replaces what are references, from left to right, and never
 /// looks at what it has put in. Whether there is another pass over all of it is what the last
-/// reference with an opinion says: one that holds the introducer asks for it, one with "::" asks
-/// that there be none. So "$(u:$(a))" takes two passes, of which the first leaves "$(a)", and
-/// text may need as many as it is nested deep, or ask for another one forever: the bounds end it.
+/// reference with an opinion says: one that holds the introducer asks for it, one with "::"
+/// forbids it. So "$(u:$(a))" takes two passes, of which the first leaves "$(a)"; text may need as
+/// many as it is nested deep, or ask for another one forever: the bounds end it.
 ///
 /// An unterminated reference, "$(" without the parenthesis that balances it, loses its introducer,
 /// and the scan goes on behind that. But what it would have held, the whole rest of the text, has
-/// the same two opinions. If each of many such references searched the rest for its end, and for
-/// what it holds, a pass would take quadratic time. So the first one that is met looks through the
-/// rest once and notes which parentheses are never closed, and the places of the next introducer
-/// and of the next colon are remembered. A reference that does end is searched once: the scan goes
-/// on behind it. A pass is thus linear in its text and what it puts in.
+/// the same opinions. If each of many such references searched the rest for its end, and for what
+/// it holds, a pass would take quadratic time. So the first one that is met looks through the rest
+/// once, from the end, and notes at every parenthesis that nothing closes what its reference says.
+/// A reference that does end is searched once: the scan goes on behind it. A pass is thus linear
+/// in its text and what it puts in.
 class Expansion
 {
 public:
@@ -57,7 +90,6 @@ public:
         std::string working;
         std::size_t rescanned = 0;
         for (int passes = 1;; ++passes) {
-            result.clear();
             runPass(text);
             if (!rescan || result == text || passes >= limits.passes ||
                 rescanned >= limits.rescanned)
@@ -69,21 +101,13 @@ public:
     }
 
 private:
-    /// Where in the text a reference is.
-    struct Reference {
-        std::size_t start;                           ///< behind the opening parenthesis
-        std::size_t end = std::string_view::npos;    ///< the closing one
-        std::size_t colon = std::string_view::npos;  ///< the first in it
-        bool isNested = false;                       ///< the introducer is in it
-    };
+    /// What the reference of a parenthesis says about another pass, if nothing closes it.
+    enum class Unclosed : char { No, Silent, Asks, Forbids };
 
     void runPass(std::string_view text);
-    std::size_t passReference(std::string_view text, std::size_t start);
-    bool findEnd(std::string_view text, Reference *reference);
+    std::size_t passReference(std::string_view text, std::size_t opening);
     void noteUnclosed(std::string_view text, std::size_t from);
-    void heedUnclosed(std::string_view text, std::size_t start);
-    void substitute(std::string_view text, const Reference &reference);
-    void lookUp(std::string_view name, std::string_view *value);
+    void substitute(std::string_view reference, std::size_t colon);
     void append(std::string_view piece);
 
     MacroLookup &macros;
@@ -93,144 +117,118 @@ private:
     std::size_t longest = 0;
     std::uint64_t cost = 0;  ///< in picoseconds
     bool rescan = false;
-    std::string builtinValue;
-
-    /// Of the pass's text, once an unterminated reference was met: per character whether it is an
-    /// opening parenthesis that nothing closes, and the places that were found last.
-    std::vector<bool> unclosed;
-    std::size_t nextIntroducer = 0;
-    std::size_t nextColon = 0;
+    std::vector<Unclosed> unclosed;  ///< by place in the pass's text, once one was met
 };
 
 void Expansion::runPass(std::string_view text)
 {
+    result.clear();
     rescan = false;
     unclosed.clear();
-    cost += price::pass + price::characterPassed * text.size();
-    std::size_t position = 0;
-    while (position < text.size()) {
-        const std::size_t found = text.find(introducer, position);
+    for (std::size_t position = 0; position < text.size();) {
+        const std::size_t found = std::min(text.find(introducer, position), text.size());
         append(text.substr(position, found - position));
-        if (found == std::string_view::npos)
-            return;
-        cost += price::introducer;
         position = found + 1;
-        if (position < text.size() && text[position] == '(')
-            position = passReference(text, position + 1);
+        if (found == text.size())
+            break;
+        cost += price::introducer;
+        if (text.substr(position).starts_with('('))
+            position = passReference(text, position);
         else
             append(text.substr(found, 1));
     }
+    cost += price::pass + price::characterPassed * text.size() +
+            price::characterAppended * result.size();
 }
 
-/// Replaces the reference whose parenthesis is before \a start. Returns where the scan goes on.
-std::size_t Expansion::passReference(std::string_view text, std::size_t start)
+/// Replaces the reference of that parenthesis. Returns where the scan goes on.
+std::size_t Expansion::passReference(std::string_view text, std::size_t opening)
 {
-    Reference reference{start};
-    if (findEnd(text, &reference)) {
-        substitute(text, reference);
-        return reference.end + 1;
-    }
-    heedUnclosed(text, start);
-    return start - 1;
-}
-
-/// Finds the parenthesis that balances the one before the reference's start, and what is between
-/// them.
-bool Expansion::findEnd(std::string_view text, Reference *reference)
-{
-    const std::size_t start = reference->start;
-    if (!unclosed.empty() && unclosed[start - 1])
-        return false;
-    std::size_t depth = 1;
-    for (std::size_t i = start; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c == ')' && --depth == 0) {
-            reference->end = i;
-            cost += price::characterInReference * (i - start);
-            return true;
+    if (unclosed.empty() || unclosed[opening] == Unclosed::No) {
+        std::size_t colon = std::string_view::npos;
+        std::size_t depth = 0;
+        bool isNested = false;
+        for (std::size_t i = opening; i < text.size(); ++i) {
+            const char c = text[i];
+            if (isOrdinary(c))
+                continue;
+            if (c == ')' && --depth == 0) {
+                rescan = rescan || isNested;
+                substitute(text.substr(opening - 1, i + 2 - opening), colon);
+                return i + 1;
+            }
+            depth += c == '(';
+            if (c == ':')
+                colon = std::min(colon, i + 1 - opening);
+            isNested = isNested || c == introducer;
         }
-        depth += c == '(';
-        if (c == ':' && reference->colon == std::string_view::npos)
-            reference->colon = i;
-        reference->isNested = reference->isNested || c == introducer;
+        noteUnclosed(text, opening);
     }
-    noteUnclosed(text, start - 1);
-    return false;
+    if (unclosed[opening] != Unclosed::Silent)
+        rescan = unclosed[opening] == Unclosed::Asks;
+    return opening;
 }
 
 void Expansion::noteUnclosed(std::string_view text, std::size_t from)
 {
     assert(unclosed.empty());
-    unclosed.assign(text.size(), false);
-    nextIntroducer = from;
-    nextColon = from;
-    std::size_t closing = 0;
-    for (std::size_t i = text.size(); i-- > from;) {
-        if (text[i] == ')')
-            ++closing;
-        else if (text[i] == '(' && closing > 0)
-            --closing;
-        else if (text[i] == '(')
-            unclosed[i] = true;
-    }
+    unclosed.assign(text.size(), Unclosed::No);
     cost += price::characterNoted * (text.size() - from);
-}
-
-/// Lets the rest of the text from \a start on have its opinion about another pass.
-void Expansion::heedUnclosed(std::string_view text, std::size_t start)
-{
-    cost += price::unclosed;
-    const auto isAhead = [&](std::size_t *place, char wanted) {
-        if (*place < start)
-            *place = std::min(text.find(wanted, start), text.size());
-        return *place < text.size();
-    };
-    if (isAhead(&nextIntroducer, introducer))
-        rescan = true;
-    if (isAhead(&nextColon, ':') && text.substr(nextColon).starts_with("::"))
-        rescan = false;
-}
-
-/// Appends what \a reference stands for.
-void Expansion::substitute(std::string_view text, const Reference &reference)
-{
-    const auto [start, end, colon, isNested] = reference;
-    rescan = rescan || isNested;
-    std::string_view name = text.substr(start, end - start);
-    std::string_view value = text.substr(start - 2, end + 3 - start);
-    if (colon != std::string_view::npos) {
-        name = text.substr(start, colon - start);
-        value = text.substr(colon + 1, end - colon - 1);
-        if (value.starts_with(':')) {
-            value.remove_prefix(1);
-            rescan = false;
-        }
+    std::size_t closing = 0;
+    bool asks = false;
+    bool forbids = false;
+    for (std::size_t i = text.size(); i-- > from;) {
+        const char c = text[i];
+        if (c == ')')
+            ++closing;
+        else if (c == '(' && closing > 0)
+            --closing;
+        else if (c == '(')
+            unclosed[i] = forbids ? Unclosed::Forbids : asks ? Unclosed::Asks : Unclosed::Silent;
+        else if (c == ':')
+            forbids = text.substr(i + 1).starts_with(':');
+        asks = asks || c == introducer;
     }
-    lookUp(name, &value);
-    append(value);
 }
 
-/// Leaves *value as it is when there is no macro of that name.
-void Expansion::lookUp(std::string_view name, std::string_view *value)
+/// Appends what \a reference, written like this, stands for; its first colon is at \a colon.
+void Expansion::substitute(std::string_view reference, std::size_t colon)
 {
-    cost += price::reference;
-    std::string_view found;
-    if (!macros.find(name, &found))
-        return;
-    *value = found;
-    const bool canBeBuiltin = name.starts_with('D') || name.starts_with('T');
-    if (canBeBuiltin && builtinMacroValue(name, builtinValue)) {
-        *value = builtinValue;
+    cost += price::reference + price::characterInReference * reference.size();
+    auto [name, value, hasTwoColons] = partsOf(reference, colon);
+    rescan = rescan && !hasTwoColons;
+    std::string now;
+    if (macros.find(name, &value) && canBeBuiltin(name) && builtinMacroValue(name, now)) {
         cost += price::dateOrTime;
+        value = now;
     }
+    append(value);
 }
 
 void Expansion::append(std::string_view piece)
 {
     result.append(piece);
-    cost += price::characterAppended * piece.size();
     if (result.size() > longest)
         throw std::bad_alloc();
+}
+
+/// Looks for the end of the reference that \a text begins with, and for its first colon. What is
+/// found is a parenthesis only if the reference is plain: with no other one and no parenthesis in it.
+std::size_t endOfPlain(std::string_view text, char introducer, std::size_t *colon)
+{
+    if (!text.substr(1).starts_with('('))
+        return 0;
+    std::size_t end = 2;
+    for (; end < text.size(); ++end) {
+        const char c = text[end];
+        if (isOrdinary(c))
+            continue;
+        if (c == ')' || c == '(' || c == introducer)
+            break;
+        if (c == ':')
+            *colon = std::min(*colon, end);
+    }
+    return end;
 }
 
 }  // namespace
@@ -249,4 +247,42 @@ std::uint64_t MacroValues::expand(MacroLookup &macros, std::string_view text,
 {
     assert(text.data() < result->data() || text.data() > result->data() + result->size());
     return Expansion(&macros, *this, result).run(text);
+}
+
+std::size_t MacroValues::expandPlain(MacroLookup &macros, std::string_view text,
+                                     std::span<char> room, std::uint64_t *steps) const
+{
+    if (room.empty())
+        return notPlain;
+    std::size_t used = 0;
+    const std::size_t most = std::min(room.size(), limits.length);
+    const auto append = [&](std::string_view piece) {
+        if (piece.size() > most - used)
+            return false;
+        std::memmove(room.data() + used, piece.data(), piece.size());
+        used += piece.size();
+        return true;
+    };
+    std::uint64_t cost = price::plainPass;
+    bool isPlain = true;
+    for (std::string_view rest = text; isPlain && !rest.empty();) {
+        const std::size_t found = std::min(rest.find(macroIntroducer), rest.size());
+        isPlain = append(rest.substr(0, found));
+        rest.remove_prefix(found);
+        if (!isPlain || rest.empty())
+            break;
+        std::size_t colon = std::string_view::npos;
+        const std::size_t end = endOfPlain(rest, macroIntroducer, &colon);
+        cost += price::characterInReference * end;
+        isPlain = end < rest.size() && rest[end] == ')';
+        if (!isPlain)
+            break;
+        auto [name, value, hasTwoColons] = partsOf(rest.substr(0, end + 1), colon);
+        cost += price::plainReference;
+        macros.find(name, &value);
+        isPlain = !canBeBuiltin(name) && append(value);
+        rest.remove_prefix(end + 1);
+    }
+    *steps += (cost + (price::characterPassed + price::characterAppended) * used) / 1000;
+    return isPlain ? used : notPlain;
 }

@@ -15,7 +15,8 @@ class MacroLookup
 public:
     virtual ~MacroLookup() = default;
 
-    /// Whether there is a macro of that name; *value receives its value, valid until the next call.
+    /// Whether there is a macro of that name; *value receives its value, valid until the next
+    /// call, and stays as it is when there is none.
     virtual bool find(std::string_view name, std::string_view *value) = 0;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 
 /// Memory that is given back all at once. Pieces are carved from blocks of at least 8192 bytes
 /// and are aligned to 8. A cleared pool's blocks go to a list that every pool of the process
@@ -41,6 +42,14 @@ public:
     static void *allocateCurrent(std::size_t size)
     {
         return (currentPool ? currentPool : useDefaultPool())->allocate(size);
+    }
+
+    /// What is left of the current pool's block: the next piece will lie there if it is no larger.
+    static std::span<char> currentRoom()
+    {
+        if (!currentPool || !currentPool->block)
+            return {};
+        return {currentPool->memory + currentPool->used, currentPool->capacity - currentPool->used};
     }
 
 private:

@@ -3,53 +3,74 @@
 #include "macrovalues.h"
 #include "xmlcopy.h"
 
-#include <cstring>
+#include <algorithm>
+
+namespace
+{
+
+/// What it costs to look for references where there are none, as measured.
+constexpr std::uint64_t stepsPerAttribute = 4;
+constexpr std::size_t charactersPerStep = 64;
+
+/// Whether there is a '$' in \a value. Adds what it cost to find out.
+bool hasReference(std::string_view value, std::uint64_t *steps)
+{
+    *steps += stepsPerAttribute + value.size() / charactersPerStep;
+    return value.find('$') != std::string_view::npos;
+}
+
+}  // namespace
 
 XMLElement *QXMLDocument::copyElementExpanded(const XMLElement *source, const MacroMap &macros)
 {
     MapLookup lookup(&macros);
     std::uint64_t steps = 0;
-    return copyElementExpanded(source, lookup, &steps);
+    return copyExpanded(source, lookup, Strings::Copied, &steps);
 }
 
 XMLElement *QXMLDocument::copyElementExpanded(const XMLElement *source, MacroLookup &macros,
                                               std::uint64_t *steps)
 {
+    return copyExpanded(source, macros, Strings::Shared, steps);
+}
+
+XMLElement *QXMLDocument::copyExpanded(const XMLElement *source, MacroLookup &macros,
+                                       Strings strings, std::uint64_t *steps)
+{
     const auto copyOne = [&](const XMLNode *node) -> XMLNode * {
         if (node->kind() != XMLNode::Kind::Element)
             return nullptr;
-        return copyOneExpanded(static_cast<const XMLElement *>(node), macros, steps);
+        return copyOneExpanded(static_cast<const XMLElement *>(node), macros, strings, steps);
     };
     return static_cast<XMLElement *>(copySubtree(source, copyOne));
 }
 
 XMLElement *QXMLDocument::copyOneExpanded(const XMLElement *source, MacroLookup &macros,
-                                          std::uint64_t *steps)
+                                          Strings strings, std::uint64_t *steps)
 {
+    const auto kept = [&](std::string_view text) {
+        return strings == Strings::Shared ? text.data() : copyString(text.data(), text.size());
+    };
     XMLElement *copy = createElement(source->name());
     const bool isBare = copy->attributes().empty();
-    std::span<XMLAttribute> copied;
-    if (isBare)
-        copied = copy->makeAttributes(source->attributes().size());
-    bool isLiteral = true;
+    XMLAttribute *next =
+        isBare ? copy->makeAttributes(source->attributes().size()).data() : nullptr;
+    bool isLiteral = isBare;
     for (const XMLAttribute &attribute : source->attributes()) {
         std::string_view text = attribute.value ? attribute.value : "";
-        const bool hasReferences = !source->isLiteral() && text.find('$') != std::string_view::npos;
-        if (hasReferences) {
-            *steps += globalMacros.expand(macros, text, &expansion);
-            text = expansion;
-            isLiteral = isLiteral && text.find('$') == std::string_view::npos;
-        }
-        const char *value = text.empty() ? nullptr : copyString(text.data(), text.size());
-        const char *name = copyString(attribute.name, std::strlen(attribute.name));
-        if (isBare) {
-            copied.front() = {name, value};
-            copied = copied.subspan(1);
-        } else {
-            copy->setAttribute(name, value);
-        }
+        const bool expands = !source->isLiteral() && hasReference(text, steps);
+        if (expands)
+            text = expanded(text, macros, steps);
+        isLiteral = isLiteral && !(expands && text.find('$') != std::string_view::npos);
+        const char *value = text.empty() ? nullptr : text.data();
+        if (value == attribute.value && value)
+            value = kept(text);
+        if (isBare)
+            *next++ = {kept(attribute.name), value};
+        else
+            copy->setAttribute(kept(attribute.name), value);
     }
-    if (isLiteral && isBare)
+    if (isLiteral)
         copy->setLiteral();
     return copy;
 }
@@ -62,15 +83,34 @@ void QXMLDocument::expandAttributes(XMLElement *element, const MacroMap &macros)
 
 std::uint64_t QXMLDocument::expandAttributes(XMLElement *element, MacroLookup &macros)
 {
-    if (element->isLiteral())
-        return 0;
     std::uint64_t steps = 0;
+    if (element->isLiteral())
+        return steps;
     for (XMLAttribute &attribute : element->attributes()) {
-        if (!attribute.value || !std::strchr(attribute.value, '$'))
-            continue;
-        steps += globalMacros.expand(macros, attribute.value, &expansion);
-        if (expansion != attribute.value)
-            attribute.value = copyString(expansion.data(), expansion.size());
+        const std::string_view text = attribute.value ? attribute.value : "";
+        if (hasReference(text, &steps))
+            attribute.value = expanded(text, macros, &steps).data();
     }
     return steps;
+}
+
+/// \a text itself where its expansion equals it, else the expansion: in the current pool, with a NUL
+/// behind it.
+std::string_view QXMLDocument::expanded(std::string_view text, MacroLookup &macros,
+                                        std::uint64_t *steps)
+{
+    const std::span<char> room = Pool::currentRoom();
+    std::string_view result(room.data(), globalMacros.expandPlain(macros, text, room, steps));
+    if (result.size() == MacroValues::notPlain) {
+        *steps += globalMacros.expand(macros, text, &expansion);
+        result = expansion;
+    }
+    if (result == text)
+        return text;
+    // That is where a plain expansion is already, unless there is no room for the NUL.
+    char *kept = static_cast<char *>(Pool::allocateCurrent(result.size() + 1));
+    if (kept != result.data())
+        std::copy(result.begin(), result.end(), kept);
+    kept[result.size()] = '\0';
+    return {kept, result.size()};
 }

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 /// A document whose attribute values can hold macro references. Only the macros that are passed
 /// count, never the system macros. Where an operation has a form for a MacroLookup, that form also
@@ -26,7 +27,8 @@ public:
     /// attribute value expanded; an empty expansion gives an attribute without a value. The copy
     /// lies in the current pool, strings included, and is linked to nothing.
     XMLElement *copyElementExpanded(const XMLElement *source, const MacroMap &macros);
-    /// The same; adds to *steps.
+    /// The same, but names and values that no expansion changes are shared with \a source. Adds to
+    /// *steps.
     XMLElement *copyElementExpanded(const XMLElement *source, MacroLookup &macros,
                                     std::uint64_t *steps);
 
@@ -37,8 +39,12 @@ public:
     std::uint64_t expandAttributes(XMLElement *element, MacroLookup &macros);
 
 private:
-    XMLElement *copyOneExpanded(const XMLElement *source, MacroLookup &macros,
+    enum class Strings { Copied, Shared };
+    XMLElement *copyExpanded(const XMLElement *source, MacroLookup &macros, Strings strings,
+                             std::uint64_t *steps);
+    XMLElement *copyOneExpanded(const XMLElement *source, MacroLookup &macros, Strings strings,
                                 std::uint64_t *steps);
+    std::string_view expanded(std::string_view text, MacroLookup &macros, std::uint64_t *steps);
 
     std::string expansion;  ///< of one value; a member so that its memory is used again
 };
