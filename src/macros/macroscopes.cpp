@@ -51,19 +51,24 @@ void MacroScopes::define(std::string_view name, std::string_view newValue)
     value.isDefined = true;
 }
 
-void MacroScopes::setList(std::string_view list)
+std::uint64_t MacroScopes::setList(std::string_view list)
 {
+    constexpr std::uint64_t stepsPerItem = 20;
+    std::uint64_t steps = list.size() * 4 / 5;
     std::string withoutNewlines;
     if (list.find('\n') != std::string_view::npos) {
         withoutNewlines = list;
         std::erase(withoutNewlines, '\n');
         list = withoutNewlines;
     }
-    forEachListItem(list, [this](std::string_view item) {
+    forEachListItem(list, [&](std::string_view item) {
+        if (item.empty())
+            return;
         const auto [name, value] = nameAndValue(item);
-        if (!item.empty())
-            set(name, value);
+        set(name, value);
+        steps += stepsPerItem;
     });
+    return steps;
 }
 
 void MacroScopes::leave(std::size_t changesBefore, std::size_t textBefore)

@@ -12,11 +12,12 @@ void Limits::fitStack(std::uint64_t bytes)
 namespace directive
 {
 
-Budget::Budget(const Limits &atMost, const Pool &target)
+Budget::Budget(const Limits &atMost, const Pool &target, const MacroScopes &scopes)
     : limits(atMost),
       pool(target),
-      bytesAtStart(target.bytesUsed()),
-      workAtMost(atMost.work + static_cast<std::uint64_t>(Price::DocumentByte) * bytesAtStart)
+      macros(scopes),
+      bytesAtStart(target.bytesUsed() + scopes.bytesUsed()),
+      workAtMost(atMost.work + static_cast<std::uint64_t>(Price::DocumentByte) * target.bytesUsed())
 {
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "macroscopes.h"
 #include "pool.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ struct Limits {
     /// Rounds of one <for>, combinations of one <foreach>.
     unsigned loopRounds = 10'000'000;
     /// Bytes that directives bring into the document's pool: copies, expanded values, included
-    /// trees.
+    /// trees; and those that macros take.
     std::size_t growth = std::size_t{1} << 30;
     /// Steps of a tenth of a nanosecond, beyond Price::DocumentByte for every byte of the document.
     /// Copies share their text, so that a small document can have a large expression evaluated
@@ -44,7 +45,6 @@ enum class Price : std::uint32_t {
     Alternative = 80,     ///< cut from its list and compared
     ListItem = 150,       ///< of a foreach
     List = 2'000,         ///< the same
-    MacroItem = 250,      ///< of a macro list
     InheritedName = 250,  ///< looked up on both elements
     IndexedName = 800,    ///< of an attribute, for those that are inherited
     Include = 34'000,     ///< a file found, opened, read and closed
@@ -59,8 +59,8 @@ enum class Price : std::uint32_t {
 class Budget
 {
 public:
-    /// Growth is that of \a target from here on. Both must outlive this object.
-    Budget(const Limits &atMost, const Pool &target);
+    /// Growth is that of \a target and \a scopes from here on. All must outlive this object.
+    Budget(const Limits &atMost, const Pool &target, const MacroScopes &scopes);
 
     void spend(Price price, std::uint64_t amount)
     {
@@ -83,10 +83,11 @@ public:
     std::string growthMessage() const;
 
 private:
-    std::size_t growth() const { return pool.bytesUsed() - bytesAtStart; }
+    std::size_t growth() const { return pool.bytesUsed() + macros.bytesUsed() - bytesAtStart; }
 
     const Limits &limits;
     const Pool &pool;
+    const MacroScopes &macros;
     const std::size_t bytesAtStart;
     const std::uint64_t workAtMost;
     std::uint64_t work = 0;

@@ -30,7 +30,17 @@ std::uint64_t textOfNode(const XMLNode &node)
     return bytes;
 }
 
-/// The text of \a top and all below it; once more than \a most is found, that much.
+/// Notes that \a fragment is copied once more.
+void noteCopy(Run &run, const XMLNode *fragment)
+{
+    const auto [entry, isNew] = run.textOfFragments.try_emplace(fragment);
+    if (isNew)
+        entry->second = textOf(fragment, UINT64_MAX);
+    run.sharedText += entry->second;
+}
+
+}  // namespace
+
 std::uint64_t textOf(const XMLNode *top, std::uint64_t most)
 {
     std::uint64_t bytes = 0;
@@ -46,17 +56,6 @@ std::uint64_t textOf(const XMLNode *top, std::uint64_t most)
     }
     return bytes;
 }
-
-/// Notes that \a fragment is copied once more.
-void noteCopy(Run &run, const XMLNode *fragment)
-{
-    const auto [entry, isNew] = run.textOfFragments.try_emplace(fragment);
-    if (isNew)
-        entry->second = textOf(fragment, UINT64_MAX);
-    run.sharedText += entry->second;
-}
-
-}  // namespace
 
 void chargeSharedText(Run &run)
 {

@@ -182,6 +182,8 @@ Outcome copyRounds(Run &run, const XMLElement &loop, unsigned count, LoopRounds 
     }
     if (count == 0 || !isElement(loop.firstChild))
         return outcome;
+    for (const XMLNode *child = loop.firstChild; isElement(child); child = child->nextSibling)
+        run.sharedText += count * textOf(child, UINT64_MAX);
     do {
         for (const XMLNode *child = loop.firstChild; isElement(child); child = child->nextSibling) {
             outcome.copies.append(

@@ -2,8 +2,6 @@
 
 #include "macrovalues.h"
 
-#include <algorithm>
-
 namespace directive
 {
 
@@ -11,7 +9,7 @@ Run::Run(XMLPP2 *target, MacroMap *outermostMacros)
     : document(*target),
       limits(target->limits),
       macros(outermostMacros),
-      budget(target->limits, *target),
+      budget(target->limits, *target, macros),
       firstRoot(target->root)
 {
 }
@@ -36,11 +34,7 @@ std::unique_ptr<Content> Run::contentFor(const XMLElement &directive, const Leve
     auto content = std::make_unique<Content>(&macros, level);
     const bool takesMacros = level.expand || directive.hasAttribute("expand_macros");
     if (takesMacros && directive.hasAttribute("macros")) {
-        const std::string_view list = attributeText(directive, "macros");
-        budget.spend(Price::Character, list.size());
-        budget.spend(Price::MacroItem,
-                     static_cast<std::uint64_t>(std::ranges::count(list, ';')) + 1);
-        macros.setList(list);
+        budget.spend(Price::Nanosecond, macros.setList(attributeText(directive, "macros")));
         content->level.expand = true;
     }
     return content;

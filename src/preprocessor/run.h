@@ -78,9 +78,13 @@ private:
     bool stopped = false;
 };
 
-/// Spends what writing the document takes. Copies of fragments share their text, which takes no
-/// memory, so that a small document could make an output without end. Only looks at the document
-/// where all that was copied would be too much: directives can have removed most of it.
+/// The bytes of all names, values and texts of \a top and what is below it; once more than \a most
+/// are found, that many.
+std::uint64_t textOf(const XMLNode *top, std::uint64_t most);
+
+/// Spends what writing the document takes. Copies share their text with what was copied, which
+/// takes no memory, so that a small document could make an output without end. Only looks at the
+/// document where all that was copied would be too much: directives can have removed most of it.
 void chargeSharedText(Run &run);
 
 /// The value of an attribute; empty when it has none.
