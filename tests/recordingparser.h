@@ -35,7 +35,7 @@ public:
     ExpressionObject *lookupSymbol(const char *name) override { return variable(name); }
     ExpressionObject *lookupScopedSymbol(const std::vector<std::string> &parts) override
     {
-        return variable(joined(parts));
+        return variable("::" + joined(parts));
     }
     ExpressionObject *lookupRegister(const std::string &name) override
     {

@@ -57,12 +57,15 @@ Node makeOne(Node left, Node right)
     return std::make_unique<Made>(std::move(left), std::move(right));
 }
 
-/// By operator, what makes its node.
-constexpr auto makers = []<std::size_t... Index>(std::index_sequence<Index...>)
+template <std::size_t... Index>
+constexpr auto makersOf(std::index_sequence<Index...>)
 {
     return std::array{&makeOne<Index>...};
 }
-(std::make_index_sequence<static_cast<std::size_t>(BinaryOperator::BitOr) + 1>());
+
+/// By operator, what makes its node.
+constexpr auto makers =
+    makersOf(std::make_index_sequence<static_cast<std::size_t>(BinaryOperator::BitOr) + 1>());
 
 struct PendingOperator {
     BinaryOperator binaryOperator;
@@ -83,7 +86,7 @@ ExpressionValue evaluateChain(const BinaryExpression &root)
         ++length;
     std::vector<PendingOperator> pending;
     pending.reserve(length);
-    const Expression *innermost = nullptr;
+    const Expression *innermost = &root;
     for (const BinaryExpression *node = &root; node; node = leftOperator(*node)) {
         pending.push_back({*node->binaryOperator, node->right->evaluate()});
         innermost = node->left.get();

@@ -23,7 +23,7 @@ public:
         explicit Nesting(Reading *reading) : depth(reading->depth)
         {
             reading->checkHeight(depth + 1);
-            reading->entered = ++depth;
+            *reading->entered = ++depth;
         }
         ~Nesting() { --depth; }
         Nesting(const Nesting &) = delete;
@@ -39,7 +39,7 @@ public:
         : lexer(tokens),
           parser(resolver),
           maximumDepth(resolver.maximumDepth),
-          entered(*lastDepth)
+          entered(lastDepth)
     {
     }
 
@@ -97,6 +97,6 @@ private:
 
     const int maximumDepth;
     int depth = 0;  ///< calls that are open
-    int &entered;
+    int *entered;
     std::size_t total = 0;
 };

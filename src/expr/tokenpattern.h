@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cassert>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -33,7 +34,7 @@ public:
         constexpr void addRange(unsigned char first, unsigned char last);
         constexpr void addEscaped(char c);
         constexpr void invert();
-        constexpr bool isEmpty() const { return bits == std::array<std::uint64_t, 4>(); }
+        constexpr bool isEmpty() const { return (bits[0] | bits[1] | bits[2] | bits[3]) == 0; }
 
     private:
         std::array<std::uint64_t, 4> bits = {};
@@ -101,6 +102,7 @@ constexpr void TokenPattern::CharacterSet::invert()
 /// Takes the first character of *rest, which must not be empty.
 constexpr char TokenPattern::take(std::string_view *rest)
 {
+    assert(!rest->empty());
     const char c = rest->front();
     rest->remove_prefix(1);
     return c;
@@ -144,9 +146,11 @@ constexpr bool TokenPattern::takeStep(std::string_view *pattern, Step *step)
     if (c == '[') {
         if (!takeSet(pattern, &step->set))
             return false;
-    } else if (c == '\\' && !pattern->empty()) {
+    } else if (c == '\\') {
+        if (pattern->empty())
+            return false;
         step->set.addEscaped(take(pattern));
-    } else if (std::string_view(".?*+|()]{}^$\\").find(c) == std::string_view::npos) {
+    } else if (std::string_view(".?*+|()]{}^$").find(c) == std::string_view::npos) {
         step->set.addRange(static_cast<unsigned char>(c), static_cast<unsigned char>(c));
     } else {
         return false;
