@@ -1,6 +1,7 @@
 #include "valueformat.h"
 
 #include <algorithm>
+#include <cassert>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -94,6 +95,7 @@ std::string toString(const ExpressionValue &value, int base, bool zeroPad, bool 
     case PlainValue::String:
         return value.text;
     case PlainValue::Object:
+        assert(value.object.get());
         return value.object.get()->text();
     case PlainValue::Void:
         break;
