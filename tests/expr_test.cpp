@@ -310,7 +310,8 @@ TEST(ExprOperators, ComparisonsAndUnaryOperators)
 {
     const std::vector<Row> rows = {
         {{"1<2", "2<=2", "3>2", "2>=2", "2==2", "1!=2", "-1<0", "2>1.5", "0==\"7\"", "\"a\"<\"b\"",
-          "\"\"==7", "((unsigned long)1)<0.5", "((char)255)>0", "!0", "!-0.0", "!(1==2)"},
+          "\"a\"!=\"b\"", "\"\"==7", "((unsigned long)1)<0.5", "((char)255)>0", "!0", "!-0.0",
+          "!(1==2)"},
          "bool true"},
         {{"2<2", "3<=2", "2>2", "1>=2", "1==2", "2!=2", "\"\xE4\"<\"b\"", "(1==1)<(1==2)",
           "((unsigned long)1)>-1", "!2", "!0.5", "!(1==1)"},
@@ -410,17 +411,20 @@ TEST(ExprPlain, OnlyTheWantedKindIsOkWithATreeAndWithout)
     const std::vector<Row> rows = {
         {{"1==1", "!(1!=1)", "2>1 == 1<=1 || 0 && 1"}, "none none 1 "},
         {{"1!=1", "3<2 || 2>=3", "(1==1)/0.1", "!5"}, "none none 0 "},
-        {{"8", "010", "0b1000", "2*(3+1)", "10-3+1", "1<<3", "+8 9", "8)", "-(-8)", " 16>>1",
-          "9 & 12 | 4 ^ 4", "8%9\xA0", times(999, " ") + "8"},
+        {{"8", "010", "0b1000", "2*(3+1)", "10-3+1", "5+3%4", "1<<3", "+8 9", "8)", "-(-8)",
+          " 16>>1", "9 & 12 | 4 ^ 4", "8%9\xA0", times(999, " ") + "8"},
          "8 8 none "},
         {{"-1", "~0"}, "18446744073709551615 -1 none "},
         {{"1.5"}, "4609434218613702656 1 none "},
-        {{"\"1\"", "1+", "", "x", "(1", "()", "1/0", "1++2", "--1", "1&&&1", "1>>>1", "1<(1==1"},
+        {{"\"1\"", "1+", "", "x", "(1", "()", "1/0", "1++2", "--1", "++8", "1&&&1", "1>>>1",
+          "1<(1==1"},
          "none none none "},
     };
     expectRows([&](auto *text) { return wantedOf(SimpleExpressionParser::instance(), text); },
                rows);
     expectRows([&](auto *text) { return wantedOf(&tree, text); }, rows);
+    RecordingParser knowing;
+    EXPECT_EQ(wantedOf(&knowing, "(a=8)+0"), "8 8 none ");
 }
 
 TEST(ExprPlain, CostsLessThanATreeAndFarLessThanAnException)
