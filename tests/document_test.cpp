@@ -62,9 +62,8 @@ TEST_F(Tree, KeepsAttributesInOrder)
     a->setAttribute("x", "3");
     EXPECT_EQ(treeText(a), "a[y=2 z=1 n x=3](b,c)");
     // More than an element has memory for at first.
-    const std::string names = "ABCDEFGHIJKLMNOPQR";
-    for (std::size_t i = 0; i < names.size(); ++i)
-        b->setAttribute(XMLDocument::copyString(&names[i], 1), nullptr);
+    for (const char name : std::string("ABCDEFGHIJKLMNOPQR"))
+        b->setAttribute(XMLDocument::copyString(&name, 1), nullptr);
     b->removeAttribute("Q");
     EXPECT_EQ(treeText(b), "b[A B C D E F G H I J K L M N O P R]");
 }

@@ -108,7 +108,7 @@ TEST(Reader, DecodesReferences)
 {
     expectReadings({
         "<a x=\"a&lt;b&gt;&quot;&amp;c\"/> => a[x=a<b>\"&c]",
-        "<a x=\"&#65;&#x4a;&#x4A;&#321;&#4294967361;\"/> => a[x=AJJAA]",
+        "<a x=\"&#65;&#x4a;&#x4A;&#321;&#4294967361;&#233;\"/> => a[x=AJJAA\xE9]",
         "<a x=\"&#a;&#X9;\r\n\"/> => a[x=\nS\r\n]",
         "<a x=\"&apos;&lt&LT;&;&\" y=\"1&#;2\"/> => a[x=&apos;&lt&LT;&;& y=1]",
         "<a x=\"&#6.5;&#65\" y=\"&#65;\"/> => a[x=&#6.5;&#65 y=A]",
@@ -142,6 +142,15 @@ TEST(Reader, FindsRepeatedNamesAmongMany)
     const std::string tree = "a[" + values.substr(1) + "]";
     // What one tag had says nothing about the next.
     expectReadings({"<r>" + tag + tag + "</r> => r(" + tree + "," + tree + ")"});
+}
+
+TEST(Reader, TellsWhichElementsHaveNoReferences)
+{
+    for (const auto &[value, isLiteral] : {std::pair("1", true), {"$", false}, {"&#36;", false}}) {
+        XMLDocument document(false);
+        document.parse(("<a x=\"" + std::string(value) + "\"/>").data());
+        EXPECT_EQ(static_cast<XMLElement *>(document.root)->isLiteral(), isLiteral) << value;
+    }
 }
 
 TEST(NextByte, IsFoundHoweverFar)

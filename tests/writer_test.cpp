@@ -43,8 +43,8 @@ TEST(Writer, EscapesAllButPrintableAscii)
         return written([&](FILE *stream) { XMLDocument::writeEscaped(stream, text); });
     };
     EXPECT_EQ(escaped("a<b & \"c\">'"), "a&lt;b &amp; &quot;c&quot;&gt;'");
-    EXPECT_EQ(escaped("\x01\t\n\r\x1F ~\x7F\x80\xE9\xFF"),
-              "&#x1;&#x9;&#xa;&#xd;&#x1f; ~&#x7f;&#x80;&#xe9;&#xff;");
+    EXPECT_EQ(escaped("\x01\x10\t\n\r\x1F ~\x7F\x80\xE9\xFF"),
+              "&#x1;&#x10;&#x9;&#xa;&#xd;&#x1f; ~&#x7f;&#x80;&#xe9;&#xff;");
     EXPECT_EQ(escaped(nullptr), "");
 }
 
