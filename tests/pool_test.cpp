@@ -49,6 +49,7 @@ TEST(Pool, ReusesTheLastReleasedBlockThatFitsAndPoisonsIt)
     EXPECT_EQ(take(&other, 11000), large + 9000);
     // Released from the newest block to the oldest, so the oldest is the first to be found.
     EXPECT_EQ(take(&other, 100), small);
+    EXPECT_EQ(take(&other, 8100), last);
 }
 
 TEST(Pool, AllocatesFromTheCurrentOneOrADefault)
