@@ -4,6 +4,7 @@
 #include "plainarithmetic.h"
 #include "resolution.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cstring>
 #include <typeinfo>
@@ -14,12 +15,14 @@ namespace
 // Prices in nanoseconds, as measured in optimised code. Leaving an open call by an exception costs
 // more than all that the call does.
 constexpr std::uint64_t stepsPerEvaluation = 15;
-constexpr std::uint64_t stepsPerPlainToken = 3;
-constexpr std::uint64_t stepsPerToken = 28;  ///< its nodes and values included
+constexpr std::uint64_t stepsPerPlainToken = 6;
+constexpr std::uint64_t stepsPerToken = 28;      ///< its nodes and values included
+constexpr std::uint64_t stepsPerLateToken = 60;  ///< more, where the nodes fill the caches
+constexpr std::size_t earlyTokens = 16'384;
 constexpr std::uint64_t stepsPerCharacter = 1;
 constexpr std::size_t unreadCharactersPerStep = 32;
 constexpr std::uint64_t stepsPerException = 1500;
-constexpr std::uint64_t stepsPerCallOfReading = 1500;
+constexpr std::uint64_t stepsPerCallOfReading = 1000;
 constexpr std::uint64_t stepsPerLevelOfTree = 400;
 
 }  // namespace
@@ -96,6 +99,7 @@ PlainValue SimpleExpressionParser::evaluateWithTree(const char *text)
                                 : stepsPerCallOfReading * static_cast<std::uint64_t>(readingDepth);
     }
     cost += stepsPerCharacter * lexer.position() + stepsPerToken * lexer.scanned();
+    cost += stepsPerLateToken * (std::max(lexer.scanned(), earlyTokens) - earlyTokens);
     cost += std::strlen(text) / unreadCharactersPerStep;
     return value;
 }

@@ -40,17 +40,18 @@ namespace directive
 /// goes by characters in one text and by items in another, both have a price.
 enum class Price : std::uint32_t {
     Nanosecond = 10,      ///< for what tells its cost itself
-    Character = 2,        ///< of a name looked up, a list searched, a value stored
+    NameCharacter = 2,    ///< of a name looked up
+    Line = 20,            ///< 64 characters searched, compared or copied
     EmptyPiece = 20,      ///< of a list, between two separators
     Alternative = 80,     ///< cut from its list and compared
-    ListItem = 150,       ///< of a foreach
-    List = 2'000,         ///< the same
+    ListItem = 120,       ///< of a foreach
+    List = 1'000,         ///< the same
     InheritedName = 250,  ///< looked up on both elements
-    IndexedName = 800,    ///< of an attribute, for those that are inherited
+    IndexedName = 1'200,  ///< of an attribute, for those that are inherited
     Include = 34'000,     ///< a file found, opened, read and closed
     PathPart = 500,       ///< of its name
     IncludedByte = 28,    ///< of the pool, for what was read
-    CountedRound = 10,    ///< of a loop whose rounds cannot be computed
+    CountedRound = 4,     ///< of a loop whose rounds cannot be computed
     SharedByte = 10,      ///< of text that is written for one more copy
     DocumentByte = 300,   ///< what each byte of the document adds to the bound
 };
@@ -66,6 +67,9 @@ public:
     {
         work += static_cast<std::uint64_t>(price) * amount;
     }
+
+    /// spend() for text that is searched, compared or copied.
+    void spendText(std::size_t characters) { spend(Price::Line, characters / 64); }
 
     bool isSpent() const { return growth() > limits.growth || work > workAtMost; }
 

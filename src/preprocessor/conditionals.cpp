@@ -23,7 +23,7 @@ bool hasAlternative(Run &run, std::string_view list, std::string_view value)
 /// The value of a macro, which becomes defined as empty when it is not defined yet.
 std::string_view lookUpOrDefine(Run &run, std::string_view name)
 {
-    run.budget.spend(Price::Character, name.size());
+    run.budget.spend(Price::NameCharacter, name.size());
     std::string_view value;
     if (!run.macros.find(name, &value))
         run.macros.set(name, "");
@@ -47,7 +47,7 @@ Outcome unwrapByAttribute(Run &run, XMLElement &element, bool wanted)
 bool isDefined(Run &run, const XMLElement &element)
 {
     const std::string_view name = attributeText(element, "name");
-    run.budget.spend(Price::Character, name.size());
+    run.budget.spend(Price::NameCharacter, name.size());
     return run.macros.contains(name);
 }
 

@@ -12,7 +12,8 @@ namespace
 
 void set(Run &run, std::string_view name, std::string_view value)
 {
-    run.budget.spend(Price::Character, name.size() + value.size());
+    run.budget.spend(Price::NameCharacter, name.size());
+    run.budget.spendText(value.size());
     run.macros.set(name, value);
 }
 

@@ -69,7 +69,7 @@ Outcome handleXmldef(Run &run, XMLElement &element, const Level &)
     if (!element.hasAttribute("name"))
         return Outcome::keep();
     const std::string_view name = attributeText(element, "name");
-    run.budget.spend(Price::Character, name.size());
+    run.budget.spendText(name.size());
     run.document.xmldefs.insert_or_assign(std::string(name), &element);
     return Outcome::remove();
 }
@@ -79,7 +79,7 @@ Outcome handleXmlput(Run &run, XMLElement &element, const Level &level)
     if (!element.hasAttribute("name"))
         return Outcome::keep();
     const std::string_view name = attributeText(element, "name");
-    run.budget.spend(Price::Character, name.size());
+    run.budget.spendText(name.size());
     const auto stored = run.document.xmldefs.find(name);
     if (stored == run.document.xmldefs.end()) {
         run.report(std::string("xmlput cannot fine xmldef named ").append(name));

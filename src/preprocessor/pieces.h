@@ -13,7 +13,7 @@ namespace directive
 template <typename Take>
 void forEachPiece(Budget *budget, Price price, std::string_view text, char separator, Take take)
 {
-    budget->spend(Price::Character, text.size());
+    budget->spendText(text.size());
     while (!text.empty()) {
         const std::string_view piece = text.substr(0, text.find(separator));
         budget->spend(piece.empty() ? Price::EmptyPiece : price, 1);
