@@ -24,7 +24,7 @@ struct Limits {
     /// Steps of a tenth of a nanosecond, beyond Price::DocumentByte for every byte of the document.
     /// Copies share their text, so that a small document can have a large expression evaluated
     /// again and again without growing.
-    std::uint64_t work = 700'000'000'000;
+    std::uint64_t work = 800'000'000'000;
 
     /// Takes the bounds on nesting down to what a stack of \a bytes holds twice over; no change
     /// from 8 MiB on.
