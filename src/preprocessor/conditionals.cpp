@@ -11,6 +11,11 @@ namespace directive
 namespace
 {
 
+bool isNamed(const XMLElement &element, const char *name)
+{
+    return std::strcmp(element.name(), name) == 0;
+}
+
 /// Whether one of the alternatives in \a list, separated by ',', is \a value to the letter.
 bool hasAlternative(Run &run, std::string_view list, std::string_view value)
 {
@@ -30,9 +35,10 @@ std::string_view lookUpOrDefine(Run &run, std::string_view name)
     return value;
 }
 
-/// The one attribute names a macro and lists alternatives; \a wanted tells whether one of them
-/// must be the macro's value.
-Outcome unwrapByAttribute(Run &run, XMLElement &element, bool wanted)
+}  // namespace
+
+/// <if> and <ifnot>. The one attribute names a macro and lists alternatives for its value.
+Outcome handleIf(Run &run, XMLElement &element, const Level &)
 {
     const std::span<const XMLAttribute> attributes = std::as_const(element).attributes();
     if (attributes.size() != 1) {
@@ -41,26 +47,7 @@ Outcome unwrapByAttribute(Run &run, XMLElement &element, bool wanted)
     }
     const std::string_view value = lookUpOrDefine(run, attributes[0].name);
     const bool matches = hasAlternative(run, textOf(attributes[0]), value);
-    return Outcome::unwrapIf(matches == wanted, element);
-}
-
-bool isDefined(Run &run, const XMLElement &element)
-{
-    const std::string_view name = attributeText(element, "name");
-    run.budget.spend(Price::NameCharacter, name.size());
-    return run.macros.contains(name);
-}
-
-}  // namespace
-
-Outcome handleIf(Run &run, XMLElement &element, const Level &)
-{
-    return unwrapByAttribute(run, element, true);
-}
-
-Outcome handleIfnot(Run &run, XMLElement &element, const Level &)
-{
-    return unwrapByAttribute(run, element, false);
+    return Outcome::unwrapIf(matches == isNamed(element, "if"), element);
 }
 
 Outcome handleIfex(Run &run, XMLElement &element, const Level &)
@@ -74,14 +61,12 @@ Outcome handleIfex(Run &run, XMLElement &element, const Level &)
     return Outcome::unwrapIf(ok && value, element);
 }
 
+/// <ifdef> and <ifndef>.
 Outcome handleIfdef(Run &run, XMLElement &element, const Level &)
 {
-    return Outcome::unwrapIf(isDefined(run, element), element);
-}
-
-Outcome handleIfndef(Run &run, XMLElement &element, const Level &)
-{
-    return Outcome::unwrapIf(!isDefined(run, element), element);
+    const std::string_view name = attributeText(element, "name");
+    run.budget.spend(Price::NameCharacter, name.size());
+    return Outcome::unwrapIf(run.macros.contains(name) == isNamed(element, "ifdef"), element);
 }
 
 /// The first <case> with a matching alternative is selected, else the last <default>. That is
@@ -94,9 +79,9 @@ Outcome handleSwitch(Run &run, XMLElement &element, const Level &)
         if (child->kind() != XMLNode::Kind::Element)
             continue;
         auto &branch = static_cast<XMLElement &>(*child);
-        if (std::strcmp(branch.name(), "default") == 0) {
+        if (isNamed(branch, "default")) {
             selected = &branch;
-        } else if (std::strcmp(branch.name(), "case") == 0 &&
+        } else if (isNamed(branch, "case") &&
                    hasAlternative(run, attributeText(branch, "value"), value)) {
             selected = &branch;
             break;
