@@ -1,5 +1,7 @@
 #include "budget.h"
 
+#include <cassert>
+
 void Limits::fitStack(std::uint64_t bytes)
 {
     constexpr std::uint64_t usual = std::uint64_t{8} << 20;
@@ -23,6 +25,7 @@ Budget::Budget(const Limits &atMost, const Pool &target, const MacroScopes &scop
 
 std::string Budget::message() const
 {
+    assert(isSpent());
     if (growth() > limits.growth)
         return growthMessage();
     return std::string("directives make more than ")

@@ -3,6 +3,7 @@
 #include "macroscopes.h"
 #include "xmlnode.h"
 
+#include <cassert>
 #include <memory>
 #include <string_view>
 
@@ -16,9 +17,9 @@ class Run;
 
 /// Where a chain of siblings stands.
 struct Level {
-    std::string_view fileName;  ///< the file that holds it, as it was named
-    bool expand;                ///< whether attribute values are expanded
-    int includes;               ///< how many includes it is nested in
+    const std::string_view fileName;  ///< the file that holds it, as it was named
+    const bool expand;                ///< whether attribute values are expanded
+    const int includes;               ///< how many includes it is nested in
 };
 
 /// A level of its own for what comes from elsewhere, an included file or a fragment. The macros
@@ -38,6 +39,7 @@ struct Chain {
 
     void append(XMLNode *node)
     {
+        assert(!node->nextSibling);
         node->parent = parent;
         (last ? last->nextSibling : first) = node;
         last = node;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <cstdint>
 #include <iterator>
 
@@ -55,6 +56,7 @@ constexpr auto beginsDirective = [] {
 
 Handler *findDirective(const char *name)
 {
+    assert(name);
     if (!beginsDirective[static_cast<unsigned char>(*name)])
         return nullptr;
     const auto *const found = std::ranges::find(table, asNumber(name), &Row::number);

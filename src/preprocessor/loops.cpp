@@ -4,6 +4,7 @@
 #include "run.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -40,6 +41,7 @@ public:
     /// tells; *counted receives how many rounds had to be counted.
     unsigned count(unsigned most, unsigned *counted) const
     {
+        assert(step != 0 || start >= end);
         *counted = 0;
         if (start >= end)
             return 0;

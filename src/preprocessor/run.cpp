@@ -31,12 +31,12 @@ XMLElement *Run::copyExpanded(const XMLElement &source, MacroLookup &lookup)
 
 std::unique_ptr<Content> Run::contentFor(const XMLElement &directive, const Level &level)
 {
-    auto content = std::make_unique<Content>(&macros, level);
-    const bool takesMacros = level.expand || directive.hasAttribute("expand_macros");
-    if (takesMacros && directive.hasAttribute("macros")) {
+    const bool hasMacros = (level.expand || directive.hasAttribute("expand_macros")) &&
+                           directive.hasAttribute("macros");
+    auto content = std::make_unique<Content>(
+        &macros, Level{level.fileName, level.expand || hasMacros, level.includes});
+    if (hasMacros)
         budget.spend(Price::Nanosecond, macros.setList(attributeText(directive, "macros")));
-        content->level.expand = true;
-    }
     return content;
 }
 

@@ -1,7 +1,10 @@
 #include "walk.h"
 
+#include <cassert>
+
 void Walk::walk(XMLNode *node, const Level &level)
 {
+    assert(node);
     if (node == run.document.root) {
         walkChain(&run.document.root, nullptr, level);
         finishRoot();
@@ -39,6 +42,7 @@ XMLNode **Walk::walkChain(XMLNode **link, const XMLNode *end, const Level &level
 XMLNode **Walk::carryOut(const Outcome &outcome, XMLNode **link, XMLElement &element,
                          const Level &level)
 {
+    assert(*link == &element);
     if (run.stopPastBounds())
         return link;
     switch (outcome.action) {
@@ -83,6 +87,7 @@ XMLNode **Walk::put(XMLElement &source, XMLNode **link, XMLElement &element, con
 XMLNode **Walk::walkBranches(XMLElement &selected, XMLNode **link, XMLElement &element,
                              const Level &level)
 {
+    assert(selected.parent == &element);
     const MacroScopes::Scope scope(&run.macros);
     if (!enter())
         return link;
@@ -99,6 +104,7 @@ XMLNode **Walk::walkBranches(XMLElement &selected, XMLNode **link, XMLElement &e
 XMLNode **Walk::replace(XMLElement &replacement, XMLNode **link, XMLElement &element,
                         const Content &content)
 {
+    assert(!replacement.nextSibling && replacement.kind() == XMLNode::Kind::Element);
     replacement.parent = element.parent;
     replacement.nextSibling = element.nextSibling;
     *link = &replacement;
