@@ -34,7 +34,9 @@ public:
                 scratch.write(name.substr(5), content);
         }
         const std::string path = fs::path(XMLPP_COMMAND).parent_path();
-        const std::string script = "PATH='" + path + "':$PATH\nexec 2>&1\n" + parts.at("run");
+        // Another build's program is tested with its directory in the environment: tools/cases.
+        const std::string script =
+            "PATH=${XMLPP_DIRECTORY:-'" + path + "'}:$PATH\nexec 2>&1\n" + parts.at("run");
         const CommandResult result = runCommand({"/bin/sh", "-c", script}, scratch.path());
         std::string prints = result.output;
         if (result.status != 0)

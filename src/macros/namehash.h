@@ -36,7 +36,7 @@ public:
     bool isName() const { return length <= mostBytes; }
 
     /// Differs from process to process: no document can hold names that are known to collide.
-    std::size_t hash() const { return mix(first, second ^ length); }
+    std::size_t hash() const { return static_cast<std::size_t>(mix(first, second ^ length)); }
 
 private:
     /// Two random numbers of the process, one for each factor of every product.
@@ -56,10 +56,18 @@ private:
     /// The halves of a product on each other: every bit depends on all of both factors.
     static std::uint64_t mix(std::uint64_t one, std::uint64_t other)
     {
+        const std::uint64_t a = one ^ seed.numbers[0];
+        const std::uint64_t b = other ^ seed.numbers[1];
+#ifdef __SIZEOF_INT128__
         __extension__ using Product = unsigned __int128;
-        const Product product =
-            static_cast<Product>(one ^ seed.numbers[0]) * (other ^ seed.numbers[1]);
+        const Product product = static_cast<Product>(a) * b;
         return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+#else
+        constexpr std::uint64_t low = 0xFFFFFFFF;
+        const std::uint64_t crossed = (a >> 32) * (b & low) + ((a & low) * (b & low) >> 32);
+        const std::uint64_t middle = (a & low) * (b >> 32) + (crossed & low);
+        return (a * b) ^ ((a >> 32) * (b >> 32) + (crossed >> 32) + (middle >> 32));
+#endif
     }
 
     static std::uint64_t hashOf(std::string_view name);
