@@ -3,6 +3,9 @@
 add_library(xmlpp_options INTERFACE)
 target_compile_options(xmlpp_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 
+# Sizes, inode numbers and times of files have 64 bits, on processors that have 32 as well.
+add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
+
 # A comma-separated list for -fsanitize, for example "address,undefined".
 set(XMLPP_SANITIZE "" CACHE STRING "Sanitizers to build with")
 if(XMLPP_SANITIZE)
