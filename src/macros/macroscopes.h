@@ -71,7 +71,10 @@ public:
     std::uint64_t setList(std::string_view list);
 
     /// About the memory that all macros take, those included that an inner level hides.
-    std::size_t bytesUsed() const { return text.size() + macros.size() * sizeof(Macro); }
+    std::size_t bytesUsed() const
+    {
+        return text.size() + macros.size() * sizeof(Macro) + changes.size() * sizeof(Change);
+    }
 
 private:
     struct Value {
