@@ -2,7 +2,6 @@
 #include "macrovalues.h"
 #include "myxmlpp2.h"
 #include "outputfile.h"
-#include "outputfile.h"
 
 #include <csignal>
 #include <cstdio>
@@ -42,7 +41,6 @@ void prepareProcess()
     // A full quota or a reader that has gone is a failed write, not the end of the process.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
-    OutputFile::removeOnSignals();
     OutputFile::removeOnSignals();
     // A standard stream that is closed would lend its number to the next file that is opened,
     // and an error message would go into that file.
