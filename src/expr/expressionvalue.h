@@ -1,6 +1,7 @@
 #pragma once
 
 #include <bit>
+#include <cassert>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -20,8 +21,7 @@ protected:
     ~ExpressionObject() = default;
 };
 
-/// A counted reference to a holder of an object. The last reference frees the holder, never the
-/// object.
+/// A counted reference to a holder of an object. The last one frees the holder, never the object.
 class ObjectReference
 {
 public:
@@ -63,7 +63,8 @@ struct PlainValue {
     std::uint64_t payload = 0;
 
     bool isBoolean() const { return kind == Boolean; }
-    bool isNumeric() const { return kind == Signed || kind == Unsigned || kind == Floating; }
+    bool isInteger() const { return kind == Signed || kind == Unsigned; }
+    bool isNumeric() const { return isInteger() || kind == Floating; }
     bool isObject() const { return kind == Object; }
 
     /// The lowest byte of the payload, whatever the kind.
@@ -104,10 +105,25 @@ struct ExpressionValue : PlainValue {
     {
         return ExpressionValue({Floating, size, std::bit_cast<std::uint64_t>(value)});
     }
-    static ExpressionValue fromText(std::string_view text);
+    static ExpressionValue fromText(std::string_view text)
+    {
+        ExpressionValue value({String, 0, 0});
+        value.text = text;
+        return value;
+    }
     /// \a object must not be null.
-    static ExpressionValue fromObject(ExpressionObject *object);
+    static ExpressionValue fromObject(ExpressionObject *object)
+    {
+        assert(object);
+        ExpressionValue value({Object, 0, 0});
+        value.object = ObjectReference(object);
+        return value;
+    }
 
     /// Replaces an object by its current value; leaves other values alone.
-    void resolve();
+    void resolve()
+    {
+        if (isObject())
+            *this = object.get()->value();
+    }
 };

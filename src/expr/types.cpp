@@ -1,9 +1,5 @@
 #include "types.h"
 
-#include "expression.h"
-
-#include <algorithm>
-
 std::string BaseType::name() const
 {
     std::string text;
@@ -14,9 +10,7 @@ std::string BaseType::name() const
 void SimpleType::nameTo(std::string &text) const
 {
     static constexpr const char *names[] = {"char", "short", "int", "long", "long long"};
-    if (isUnsigned)
-        text += "unsigned ";
-    text += names[code];
+    text.append(isUnsigned ? "unsigned " : "").append(names[code]);
 }
 
 void StructType::nameTo(std::string &text) const
@@ -40,27 +34,12 @@ void RegisterType::nameTo(std::string &text) const
     }
 }
 
-ArrayType::ArrayType(std::unique_ptr<BaseType> element, std::unique_ptr<Expression> count)
-    : BaseType(1 + std::max(element->height(), count->height())),
-      elementType(std::move(element)),
-      elementCount(std::move(count))
-{
-}
-
-ArrayType::~ArrayType() = default;
-
 void ArrayType::nameTo(std::string &text) const
 {
     elementType->nameTo(text);
     text += '[';
     elementCount->dumpTo(text);
     text += ']';
-}
-
-PointerType::PointerType(std::unique_ptr<BaseType> target)
-    : BaseType(1 + target->height()),
-      targetType(std::move(target))
-{
 }
 
 void PointerType::nameTo(std::string &text) const

@@ -1,15 +1,12 @@
 #pragma once
 
-#include <cstdint>
-#include <memory>
-#include <string>
-#include <utility>
+#include "expression.h"
+
+#include <algorithm>
 #include <vector>
 
-class Expression;
-
-/// What a cast converts to, as written in the text. A description owns the descriptions and
-/// expressions that it is made of and does not change once it is read.
+/// What a cast converts to, as written in the text. A description owns what it is made of and does
+/// not change once it is read.
 class BaseType
 {
 public:
@@ -98,8 +95,12 @@ public:
 class ArrayType : public BaseType
 {
 public:
-    ArrayType(std::unique_ptr<BaseType> element, std::unique_ptr<Expression> count);
-    ~ArrayType() override;
+    ArrayType(std::unique_ptr<BaseType> element, std::unique_ptr<Expression> count)
+        : BaseType(1 + std::max(element->height(), count->height())),
+          elementType(std::move(element)),
+          elementCount(std::move(count))
+    {
+    }
     void nameTo(std::string &text) const override;
 
     std::unique_ptr<BaseType> elementType;
@@ -109,7 +110,11 @@ public:
 class PointerType : public BaseType
 {
 public:
-    explicit PointerType(std::unique_ptr<BaseType> target);
+    explicit PointerType(std::unique_ptr<BaseType> target)
+        : BaseType(1 + target->height()),
+          targetType(std::move(target))
+    {
+    }
     void nameTo(std::string &text) const override;
 
     std::unique_ptr<BaseType> targetType;

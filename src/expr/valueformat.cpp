@@ -1,7 +1,6 @@
 #include "valueformat.h"
 
 #include <algorithm>
-#include <cassert>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -35,21 +34,16 @@ std::string characterText(std::uint16_t code)
     return formatted("\\u%04x", static_cast<unsigned int>(code));
 }
 
-std::string floatingText(double value, const char *format)
-{
-    if (std::isnan(value))
-        return "NaN";
-    if (std::isinf(value))
-        return "Inf";
-    return formatted(format ? format : "%g", value);
-}
-
 std::string decimalText(const ExpressionValue &value, const char *format)
 {
-    if (value.kind == PlainValue::Floating)
-        return floatingText(value.toDouble(), format);
-    return value.kind == PlainValue::Signed ? std::to_string(value.toInt64())
-                                            : std::to_string(value.toUInt64());
+    if (value.kind == PlainValue::Signed)
+        return std::to_string(value.toInt64());
+    if (value.kind == PlainValue::Unsigned)
+        return std::to_string(value.toUInt64());
+    const double number = value.toDouble();
+    return std::isnan(number)   ? "NaN"
+           : std::isinf(number) ? "Inf"
+                                : formatted(format ? format : "%g", number);
 }
 
 std::string notationText(const ExpressionValue &value, const Notation &notation, bool zeroPad)
@@ -68,9 +62,17 @@ std::string notationText(const ExpressionValue &value, const Notation &notation,
     return text.append(digits, length);
 }
 
-std::string numberText(const ExpressionValue &value, int base, bool zeroPad, bool asCharacter,
-                       const char *format)
+}  // namespace
+
+std::string toString(const ExpressionValue &value, int base, bool zeroPad, bool asCharacter,
+                     const char *format)
 {
+    if (value.isBoolean())
+        return value.toBool() ? "true" : "false";
+    if (value.isObject())
+        return value.object.get()->text();
+    if (!value.isNumeric())
+        return value.text;
     if (asCharacter)
         return characterText(static_cast<std::uint16_t>(value.payload));
     for (const Notation &notation : notations) {
@@ -78,27 +80,4 @@ std::string numberText(const ExpressionValue &value, int base, bool zeroPad, boo
             return notationText(value, notation, zeroPad);
     }
     return decimalText(value, format);
-}
-
-}  // namespace
-
-std::string toString(const ExpressionValue &value, int base, bool zeroPad, bool asCharacter,
-                     const char *format)
-{
-    switch (value.kind) {
-    case PlainValue::Boolean:
-        return value.toBool() ? "true" : "false";
-    case PlainValue::Signed:
-    case PlainValue::Unsigned:
-    case PlainValue::Floating:
-        return numberText(value, base, zeroPad, asCharacter, format);
-    case PlainValue::String:
-        return value.text;
-    case PlainValue::Object:
-        assert(value.object.get());
-        return value.object.get()->text();
-    case PlainValue::Void:
-        break;
-    }
-    return {};
 }
