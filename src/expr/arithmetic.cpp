@@ -20,11 +20,6 @@ PlainValue booleanOf(bool value)
     return {PlainValue::Boolean, 0, value ? 1U : 0U};
 }
 
-bool isInteger(const PlainValue &value)
-{
-    return value.kind == PlainValue::Signed || value.kind == PlainValue::Unsigned;
-}
-
 // The operators with two operands. The left payload takes part whole, whatever its size. Signed
 // values are computed as unsigned ones, which wrap, wherever the bits come out the same.
 
@@ -125,7 +120,7 @@ const char *shift(PlainValue *left, const PlainValue &right)
     if (right.kind != PlainValue::Signed)
         return "integer shift value expected";
     const std::int64_t count = right.toInt64() & 63;
-    if (toTheLeft && isInteger(*left))
+    if (toTheLeft && left->isInteger())
         left->payload <<= count;
     else if (left->kind == PlainValue::Unsigned)
         left->payload >>= count;
@@ -181,7 +176,7 @@ const Operator &rowOf(BinaryOperator binaryOperator)
 
 const char *negate(PlainValue *operand)
 {
-    if (isInteger(*operand))
+    if (operand->isInteger())
         operand->payload = 0 - operand->payload;
     else if (operand->isBoolean())
         *operand = {PlainValue::Signed, operand->size, operand->toBool() ? ~0ULL : 0ULL};
@@ -194,7 +189,7 @@ const char *negate(PlainValue *operand)
 
 const char *logicalNot(PlainValue *operand)
 {
-    if (isInteger(*operand))
+    if (operand->isInteger())
         *operand = booleanOf(operand->payload == 0);
     else if (operand->isBoolean())
         *operand = booleanOf(!operand->toBool());
@@ -207,7 +202,7 @@ const char *logicalNot(PlainValue *operand)
 
 const char *bitNot(PlainValue *operand)
 {
-    if (!isInteger(*operand))
+    if (!operand->isInteger())
         return unsupportedUnary;
     operand->payload = ~operand->payload;
     return nullptr;

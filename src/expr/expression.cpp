@@ -2,8 +2,6 @@
 
 #include "valueformat.h"
 
-#include <algorithm>
-#include <cassert>
 #include <new>
 #include <utility>
 #include <vector>
@@ -14,16 +12,15 @@ namespace
 /// Of the largest nodes. The others take as much, so that any can follow any.
 constexpr std::size_t nodeSize = sizeof(ConstantExpression);
 
-// Enough for long chains. Without NDEBUG nothing is kept, so that a sanitizer sees who uses a node
-// that is released.
+// Enough for long chains. Without NDEBUG none, so that a sanitizer sees who uses a released node.
 #ifdef NDEBUG
 constexpr std::size_t maximumSpares = 16384;
 #else
 constexpr std::size_t maximumSpares = 0;
 #endif
 
-/// The memory of a released node. A tree is many small nodes, and gone as soon as it is evaluated:
-/// from the heap they would be a fifth of what an expression costs.
+/// The memory of a released node. From the heap, the many small nodes of a tree that is evaluated
+/// once would be a fifth of what an expression costs.
 struct SpareNode {
     SpareNode *next;
 };
@@ -59,13 +56,6 @@ void Expression::operator delete(void *node, std::size_t size)
     }
     ++spareCount;
     spares = new (node) SpareNode{spares};
-}
-
-std::string TreeExpression::dump() const
-{
-    std::string text;
-    dumpTo(text);
-    return text;
 }
 
 BinaryExpression::BinaryExpression(std::unique_ptr<Expression> leftOperand,
@@ -104,12 +94,6 @@ void BinaryExpression::dumpTo(std::string &text) const
     }
 }
 
-UnaryExpression::UnaryExpression(std::unique_ptr<Expression> operandNode)
-    : TreeExpression(operandNode->height() + 1),
-      operand(std::move(operandNode))
-{
-}
-
 void UnaryExpression::dumpTo(std::string &text) const
 {
     text += dumpName();
@@ -120,7 +104,5 @@ void UnaryExpression::dumpTo(std::string &text) const
 
 void ConstantExpression::dumpTo(std::string &text) const
 {
-    text += "Constant(";
-    text += toString(value);
-    text += ')';
+    text.append("Constant(").append(toString(value)).append(")");
 }

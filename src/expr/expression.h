@@ -2,9 +2,8 @@
 
 #include "expressionvalue.h"
 
-#include <memory>
+#include <algorithm>
 #include <optional>
-#include <string>
 
 class BinaryExpression;
 enum class BinaryOperator;
@@ -23,8 +22,7 @@ public:
     virtual std::string dump() const = 0;
     virtual ~Expression() = default;
 
-    /// Appends what dump() returns. Nodes with children write them in here, so that a whole tree is
-    /// written in one pass.
+    /// Appends what dump() returns, so that a whole tree is written in one pass.
     virtual void dumpTo(std::string &text) const { text += dump(); }
     /// This node if it has two operands, else null.
     virtual BinaryExpression *asBinary() { return nullptr; }
@@ -51,7 +49,12 @@ private:
 class TreeExpression : public Expression
 {
 public:
-    std::string dump() const override;
+    std::string dump() const override
+    {
+        std::string text;
+        dumpTo(text);
+        return text;
+    }
     void dumpTo(std::string &text) const override = 0;
 
 protected:
@@ -81,11 +84,15 @@ protected:
     virtual const char *dumpName() const { return ""; }
 };
 
-/// A node with one operand that is evaluated first.
+/// A node with one operand that is evaluated first. \a otherHeight is that of what else it owns.
 class UnaryExpression : public TreeExpression
 {
 public:
-    explicit UnaryExpression(std::unique_ptr<Expression> operandNode);
+    explicit UnaryExpression(std::unique_ptr<Expression> operandNode, int otherHeight = 0)
+        : TreeExpression(1 + std::max(operandNode->height(), otherHeight)),
+          operand(std::move(operandNode))
+    {
+    }
     void dumpTo(std::string &text) const override;
 
     std::unique_ptr<Expression> operand;

@@ -60,18 +60,50 @@ using BitAndExpression = BinaryOperatorExpression<BinaryOperator::BitAnd>;
 using BitXorExpression = BinaryOperatorExpression<BinaryOperator::BitXor>;
 using BitOrExpression = BinaryOperatorExpression<BinaryOperator::BitOr>;
 
-/// What a token between two operands does: it computes, it assigns, or both, and then it assigns
-/// what it computes of the target and the right operand.
+/// An operator with two operands: how it is written, and what to make of it.
 struct OperatorRow {
-    Token::Kind kind;
-    bool assigns;
-    std::optional<BinaryOperator> computes;
+    const char *text;
+    std::int32_t level;  ///< of its token
+    BinaryOperator computes;
+    std::unique_ptr<Expression> (*make)(std::unique_ptr<Expression> left,
+                                        std::unique_ptr<Expression> right);
+    Token::Kind token;
+    Token::Kind assignment;  ///< the token that assigns what this computes; 0: none does
 };
 
-/// Null where a token of this kind is no operator.
-const OperatorRow *findOperator(Token::Kind kind);
+template <BinaryOperator Operator>
+constexpr OperatorRow operatorRow(const char *text, std::int32_t level, Token::Kind token,
+                                  Token::Kind assignment = Token::EndOfInput)
+{
+    const auto make = [](std::unique_ptr<Expression> left,
+                         std::unique_ptr<Expression> right) -> std::unique_ptr<Expression> {
+        return std::make_unique<BinaryOperatorExpression<Operator>>(std::move(left),
+                                                                    std::move(right));
+    };
+    return {text, level, Operator, make, token, assignment};
+}
 
-/// The node of an operator with two operands.
-std::unique_ptr<Expression> makeOperator(BinaryOperator binaryOperator,
-                                         std::unique_ptr<Expression> left,
-                                         std::unique_ptr<Expression> right);
+// A token that has a level and no row here is no operator, but for "=".
+inline constexpr OperatorRow operatorRows[] = {
+    operatorRow<BinaryOperator::LogicalOr>("||", 0, Token::OrOr),
+    operatorRow<BinaryOperator::LogicalAnd>("&&", 1, Token::AndAnd),
+    operatorRow<BinaryOperator::BitOr>("|", 2, Token::Bar, Token::BarAssign),
+    operatorRow<BinaryOperator::BitXor>("^", 3, Token::Caret, Token::CaretAssign),
+    operatorRow<BinaryOperator::BitAnd>("&", 4, Token::Ampersand, Token::AmpersandAssign),
+    operatorRow<BinaryOperator::Eq>("==", 5, Token::Equal),
+    operatorRow<BinaryOperator::Ne>("!=", 5, Token::NotEqual),
+    operatorRow<BinaryOperator::Lt>("<", 6, Token::Less),
+    operatorRow<BinaryOperator::Le>("<=", 6, Token::LessEqual),
+    operatorRow<BinaryOperator::Gt>(">", 6, Token::Greater),
+    operatorRow<BinaryOperator::Ge>(">=", 6, Token::GreaterEqual),
+    operatorRow<BinaryOperator::Lshift>("<<", 7, Token::ShiftLeft, Token::ShiftLeftAssign),
+    operatorRow<BinaryOperator::Rshift>(">>", 7, Token::ShiftRight, Token::ShiftRightAssign),
+    operatorRow<BinaryOperator::Plus>("+", 8, Token::Plus, Token::PlusAssign),
+    operatorRow<BinaryOperator::Minus>("-", 8, Token::Minus, Token::MinusAssign),
+    operatorRow<BinaryOperator::Multiply>("*", 9, Token::Star, Token::StarAssign),
+    operatorRow<BinaryOperator::Divide>("/", 9, Token::Slash, Token::SlashAssign),
+    operatorRow<BinaryOperator::Mod>("%", 9, Token::Percent, Token::PercentAssign),
+};
+
+/// The operator that a token of this kind is or assigns with; null where it is none.
+const OperatorRow *findOperator(Token::Kind kind);

@@ -1,10 +1,8 @@
 #include "plainarithmetic.h"
 
-#include "arithmetic.h"
-#include "lexer.h"
+#include "operators.h"
 
 #include <array>
-#include <cassert>
 
 // Most expressions of a document are a few numbers: $(i)+1, 3 < 10. Tokens, nodes and values that
 // can hold a text cost ten times what there is to compute, so these are read and computed at once,
@@ -27,24 +25,6 @@
 namespace
 {
 
-struct PlainOperator {
-    const char *text;
-    BinaryOperator computes;
-    std::int32_t level;  ///< as in the table of tokens
-};
-
-constexpr PlainOperator plainOperators[] = {
-    {"*", BinaryOperator::Multiply, 9},    {"/", BinaryOperator::Divide, 9},
-    {"%", BinaryOperator::Mod, 9},         {"+", BinaryOperator::Plus, 8},
-    {"-", BinaryOperator::Minus, 8},       {"<<", BinaryOperator::Lshift, 7},
-    {">>", BinaryOperator::Rshift, 7},     {"<", BinaryOperator::Lt, 6},
-    {"<=", BinaryOperator::Le, 6},         {">", BinaryOperator::Gt, 6},
-    {">=", BinaryOperator::Ge, 6},         {"==", BinaryOperator::Eq, 5},
-    {"!=", BinaryOperator::Ne, 5},         {"&", BinaryOperator::BitAnd, 4},
-    {"^", BinaryOperator::BitXor, 3},      {"|", BinaryOperator::BitOr, 2},
-    {"&&", BinaryOperator::LogicalAnd, 1}, {"||", BinaryOperator::LogicalOr, 0},
-};
-
 /// An operator is its character alone, twice, or in front of "=".
 enum Form { Alone, Twice, WithEqual };
 
@@ -53,11 +33,11 @@ constexpr Form formOf(char first, char second)
     return second == first ? Twice : second == '=' ? WithEqual : Alone;
 }
 
-using OperatorsByCharacter = std::array<const PlainOperator *, 256>;
+using OperatorsByCharacter = std::array<const OperatorRow *, 256>;
 
 constexpr auto operatorsByForm = [] {
     std::array<OperatorsByCharacter, 3> byForm = {};
-    for (const PlainOperator &row : plainOperators)
+    for (const OperatorRow &row : operatorRows)
         byForm[formOf(row.text[0], row.text[1])][static_cast<unsigned char>(row.text[0])] = &row;
     return byForm;
 }();
@@ -127,7 +107,7 @@ private:
         if (!readUnary(value))
             return false;
         while (next && next->level >= level) {
-            const PlainOperator *row = next;
+            const OperatorRow *row = next;
             at += row->text[1] == '\0' ? 1 : 2;
             PlainValue right;
             const bool isRead = row->level == Token::tightestLevel
@@ -215,7 +195,7 @@ private:
 
     const char *start;
     const char *at;
-    const PlainOperator *next = nullptr;
+    const OperatorRow *next = nullptr;
     std::size_t tokens = 0;
     bool fails = false;  ///< there is no value for certain
 };

@@ -1,12 +1,5 @@
 #include "resolution.h"
 
-#include "expressionparser.h"
-#include "parserexception.h"
-#include "types.h"
-
-#include <algorithm>
-#include <cassert>
-
 namespace
 {
 
@@ -39,42 +32,12 @@ ExpressionValue evaluateRead(const Expression &node, ExpressionParser *parser)
 
 }  // namespace
 
-AskingNode::AskingNode(ExpressionParser *resolver) : parser(resolver)
-{
-    assert(resolver);
-}
-
-ExpressionValue IdentifierExpression::evaluate() const
-{
-    return ExpressionValue::fromObject(parser->lookupSymbol(name.c_str()));
-}
-
-ExpressionValue ScopedIdentifierExpression::evaluate() const
-{
-    return ExpressionValue::fromObject(parser->lookupScopedSymbol(parts));
-}
-
-void ScopedIdentifierExpression::dumpTo(std::string &text) const
-{
-    text.append("Identifier(").append(joined(parts)).append(")");
-}
-
 std::string joined(const std::vector<std::string> &parts)
 {
     std::string text;
     for (const std::string &part : parts)
         text.append(&part == &parts.front() ? "" : "::").append(part);
     return text;
-}
-
-ExpressionValue RegisterExpression::evaluate() const
-{
-    return ExpressionValue::fromObject(parser->lookupRegister(name));
-}
-
-void NameExpression::dumpTo(std::string &text) const
-{
-    text.append("Identifier(").append(name).append(")");
 }
 
 ExpressionValue AssignExpression::evaluate() const
@@ -109,58 +72,10 @@ ExpressionValue SizeofExpression::evaluate() const
     return parser->sizeOfValue(value.object.get());
 }
 
-void SizeofExpression::dumpTo(std::string &text) const
-{
-    text += "sizeof(";
-    operand->dumpTo(text);
-    text += ')';
-}
-
 ExpressionValue AddressofExpression::evaluate() const
 {
     const ExpressionValue value = evaluateObject(*operand, "cannot take address of a constant");
     return parser->addressOfValue(value.object.get());
-}
-
-void AddressofExpression::dumpTo(std::string &text) const
-{
-    text += '&';
-    operand->dumpTo(text);
-}
-
-ExpressionValue AddressofLineExpression::evaluate() const
-{
-    return parser->addressOfLine(fileName, line);
-}
-
-void AddressofLineExpression::dumpTo(std::string &text) const
-{
-    text.append("addressof(\"").append(fileName).append("\", ");
-    text.append(std::to_string(line)).append(")");
-}
-
-CastExpression::CastExpression(std::unique_ptr<BaseType> target,
-                               std::unique_ptr<Expression> operandNode, ExpressionParser *resolver)
-    : TreeExpression(1 + std::max(target->height(), operandNode->height())),
-      AskingNode(resolver),
-      type(std::move(target)),
-      operand(std::move(operandNode))
-{
-}
-
-CastExpression::~CastExpression() = default;
-
-ExpressionValue CastExpression::evaluate() const
-{
-    return parser->castValue(*type, operand->evaluate());
-}
-
-void CastExpression::dumpTo(std::string &text) const
-{
-    text += '(';
-    type->nameTo(text);
-    text += ')';
-    operand->dumpTo(text);
 }
 
 CallExpression::CallExpression(std::unique_ptr<Expression> functionNode,

@@ -1,12 +1,7 @@
 #pragma once
 
-#include "expression.h"
-
-#include <string>
-#include <vector>
-
-class BaseType;
-class ExpressionParser;
+#include "expressionparser.h"
+#include "types.h"
 
 /// The nodes below reach beyond the expression: to names, registers, types, memory. Each asks its
 /// parser, which must not be null, when it is evaluated, after its operands; what can be wrong is
@@ -17,7 +12,7 @@ public:
     ExpressionParser *parser;
 
 protected:
-    explicit AskingNode(ExpressionParser *resolver);
+    explicit AskingNode(ExpressionParser *resolver) : parser(resolver) { assert(resolver); }
     ~AskingNode() = default;
 };
 
@@ -30,7 +25,10 @@ public:
           name(std::move(itsName))
     {
     }
-    void dumpTo(std::string &text) const override;
+    void dumpTo(std::string &text) const override
+    {
+        text.append("Identifier(").append(name).append(")");
+    }
 
     std::string name;
 };
@@ -39,7 +37,10 @@ class IdentifierExpression : public NameExpression
 {
 public:
     using NameExpression::NameExpression;
-    ExpressionValue evaluate() const override;
+    ExpressionValue evaluate() const override
+    {
+        return ExpressionValue::fromObject(parser->lookupSymbol(name.c_str()));
+    }
 };
 
 /// The name of a register, without the "@".
@@ -47,8 +48,14 @@ class RegisterExpression : public NameExpression
 {
 public:
     using NameExpression::NameExpression;
-    ExpressionValue evaluate() const override;
+    ExpressionValue evaluate() const override
+    {
+        return ExpressionValue::fromObject(parser->lookupRegister(name));
+    }
 };
+
+/// The parts of a name with "::" between them.
+std::string joined(const std::vector<std::string> &parts);
 
 /// A name with "::" in it, or in front of it: "::x" has the one part "x".
 class ScopedIdentifierExpression : public TreeExpression, public AskingNode
@@ -59,14 +66,17 @@ public:
           parts(std::move(nameParts))
     {
     }
-    ExpressionValue evaluate() const override;
-    void dumpTo(std::string &text) const override;
+    ExpressionValue evaluate() const override
+    {
+        return ExpressionValue::fromObject(parser->lookupScopedSymbol(parts));
+    }
+    void dumpTo(std::string &text) const override
+    {
+        text.append("Identifier(").append(joined(parts)).append(")");
+    }
 
     std::vector<std::string> parts;
 };
-
-/// The parts of a name with "::" between them.
-std::string joined(const std::vector<std::string> &parts);
 
 /// A node that asks about two operands.
 class AskingBinaryExpression : public BinaryExpression, public AskingNode
@@ -115,17 +125,15 @@ protected:
 };
 
 /// A node that asks about one operand.
-class AskingUnaryExpression : public TreeExpression, public AskingNode
+class AskingUnaryExpression : public UnaryExpression, public AskingNode
 {
 public:
-    AskingUnaryExpression(std::unique_ptr<Expression> operandNode, ExpressionParser *resolver)
-        : TreeExpression(operandNode->height() + 1),
-          AskingNode(resolver),
-          operand(std::move(operandNode))
+    AskingUnaryExpression(std::unique_ptr<Expression> operandNode, ExpressionParser *resolver,
+                          int otherHeight = 0)
+        : UnaryExpression(std::move(operandNode), otherHeight),
+          AskingNode(resolver)
     {
     }
-
-    std::unique_ptr<Expression> operand;
 };
 
 class SizeofExpression : public AskingUnaryExpression
@@ -133,7 +141,9 @@ class SizeofExpression : public AskingUnaryExpression
 public:
     using AskingUnaryExpression::AskingUnaryExpression;
     ExpressionValue evaluate() const override;
-    void dumpTo(std::string &text) const override;
+
+protected:
+    const char *dumpName() const override { return "sizeof"; }
 };
 
 class AddressofExpression : public AskingUnaryExpression
@@ -141,7 +151,7 @@ class AddressofExpression : public AskingUnaryExpression
 public:
     using AskingUnaryExpression::AskingUnaryExpression;
     ExpressionValue evaluate() const override;
-    void dumpTo(std::string &text) const override;
+    void dumpTo(std::string &text) const override { operand->dumpTo(text += '&'); }
 };
 
 /// The address of a line of a source file.
@@ -154,24 +164,37 @@ public:
           line(lineNumber)
     {
     }
-    ExpressionValue evaluate() const override;
-    void dumpTo(std::string &text) const override;
+    ExpressionValue evaluate() const override { return parser->addressOfLine(fileName, line); }
+    void dumpTo(std::string &text) const override
+    {
+        text.append("addressof(\"").append(fileName).append("\", ");
+        text.append(std::to_string(line)).append(")");
+    }
 
     std::string fileName;
     std::int64_t line;
 };
 
-class CastExpression : public TreeExpression, public AskingNode
+class CastExpression : public AskingUnaryExpression
 {
 public:
     CastExpression(std::unique_ptr<BaseType> target, std::unique_ptr<Expression> operandNode,
-                   ExpressionParser *resolver);
-    ~CastExpression() override;
-    ExpressionValue evaluate() const override;
-    void dumpTo(std::string &text) const override;
+                   ExpressionParser *resolver)
+        : AskingUnaryExpression(std::move(operandNode), resolver, target->height()),
+          type(std::move(target))
+    {
+    }
+    ExpressionValue evaluate() const override
+    {
+        return parser->castValue(*type, operand->evaluate());
+    }
+    void dumpTo(std::string &text) const override
+    {
+        type->nameTo(text += '(');
+        operand->dumpTo(text += ')');
+    }
 
     std::unique_ptr<BaseType> type;
-    std::unique_ptr<Expression> operand;
 };
 
 class CallExpression : public TreeExpression, public AskingNode

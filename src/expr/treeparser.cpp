@@ -65,13 +65,14 @@ TreeParser::Node TreeParser::parseBinary(std::int32_t level)
 
 TreeParser::Node TreeParser::combine(Token::Kind kind, Node left, Node right, std::size_t leftSize)
 {
-    const OperatorRow *row = findOperator(kind);
-    if (!row)
-        throw ParserException("operator not supported");
-    if (!row->assigns)
-        return counted(makeOperator(*row->computes, std::move(left), std::move(right)));
-    if (row->computes)
-        right = counted(makeOperator(*row->computes, share(*left, leftSize), std::move(right)));
+    if (kind != Token::Assign) {
+        const OperatorRow *row = findOperator(kind);
+        if (!row)
+            throw ParserException("operator not supported");
+        if (kind == row->token)
+            return counted(row->make(std::move(left), std::move(right)));
+        right = counted(row->make(share(*left, leftSize), std::move(right)));
+    }
     return make<AssignExpression>(std::move(left), std::move(right), &parser);
 }
 
