@@ -4,10 +4,8 @@
 
 #include <algorithm>
 #include <bit>
-#include <cassert>
 #include <compare>
 #include <functional>
-#include <iterator>
 
 namespace
 {
@@ -126,7 +124,7 @@ const char *shift(PlainValue *left, const PlainValue &right)
         left->payload >>= count;
     else if (left->kind == PlainValue::Signed)
         left->payload =
-            static_cast<std::uint64_t>(static_cast<std::int64_t>(left->payload) >> count);
+            std::bit_cast<std::uint64_t>(std::bit_cast<std::int64_t>(left->payload) >> count);
     else
         return "can only shift numeric values";
     return nullptr;
@@ -161,18 +159,16 @@ constexpr Operator operators[] = {
     {BitOr, "BitOrExpression", onIntegers<std::bit_or<>>},
 };
 
-static_assert(
-    std::ranges::all_of(operators,
-                        [](const Operator &row) {
-                            return &row == &operators[static_cast<std::size_t>(row.binaryOperator)];
-                        }),
-    "a row is found by its operator");
-
-const Operator &rowOf(BinaryOperator binaryOperator)
+constexpr const Operator &rowOf(BinaryOperator binaryOperator)
 {
-    assert(static_cast<std::size_t>(binaryOperator) < std::size(operators));
     return operators[static_cast<std::size_t>(binaryOperator)];
 }
+
+static_assert(std::ranges::all_of(operators,
+                                  [](const Operator &row) {
+                                      return &row == &rowOf(row.binaryOperator);
+                                  }),
+              "a row is found by its operator");
 
 const char *negate(PlainValue *operand)
 {
@@ -208,7 +204,7 @@ const char *bitNot(PlainValue *operand)
     return nullptr;
 }
 
-/// The plain part of \a value, which an operator has computed; throws \a failure if there is one.
+/// What an operator has made of an operand, unless there is a \a failure.
 ExpressionValue result(const PlainValue &value, const char *failure)
 {
     if (failure)
@@ -220,15 +216,8 @@ ExpressionValue result(const PlainValue &value, const char *failure)
 
 const char *apply(UnaryOperator unaryOperator, PlainValue *operand)
 {
-    switch (unaryOperator) {
-    case UnaryOperator::Negate:
-        return negate(operand);
-    case UnaryOperator::LogicalNot:
-        return logicalNot(operand);
-    case UnaryOperator::BitNot:
-        break;
-    }
-    return bitNot(operand);
+    static constexpr const char *(*functions[])(PlainValue *) = {negate, logicalNot, bitNot};
+    return functions[static_cast<std::size_t>(unaryOperator)](operand);
 }
 
 const char *apply(BinaryOperator binaryOperator, PlainValue *left, const PlainValue &right)

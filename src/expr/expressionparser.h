@@ -1,15 +1,10 @@
 #pragma once
 
-#include "expressionvalue.h"
+#include "expression.h"
 #include "lexer.h"
 #include "parserexception.h"
 
-#include <memory>
-#include <string>
-#include <vector>
-
 class BaseType;
-class Expression;
 
 /// Reads expressions and evaluates them. What a name, a register, a type or a place in memory
 /// means is asked of the virtual operations; they throw ParserException for what is not there. An
@@ -17,7 +12,7 @@ class Expression;
 ///
 /// Text is Latin-1 up to a NUL, and null counts as empty. Reading stops behind the first whole
 /// expression, whatever follows. Time and memory grow with the text, up to bounds past which
-/// reading throws ParserException, see reading.h. One thread at a time.
+/// reading throws ParserException, see treeparser.h. One thread at a time.
 class ExpressionParser
 {
 public:

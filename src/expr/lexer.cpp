@@ -2,9 +2,7 @@
 
 #include "parserexception.h"
 
-#include <array>
 #include <bit>
-#include <cassert>
 #include <cstdlib>
 #include <iterator>
 
@@ -17,64 +15,66 @@ struct Rule {
     std::int32_t precedence;
 };
 
+using enum Token::Kind;
+
 // The order is the tie-break: an operator stands before the shorter ones that it begins with.
 constexpr Rule grammar[] = {
-    {R"([\s]+)", Token::Whitespace, 10},
-    {R"re("[^"]*")re", Token::String, 10},
-    {R"(0x[0-9A-Fa-f]*)", Token::HexadecimalNumber, 10},
-    {R"(0b[0-1]*)", Token::BinaryNumber, 10},
-    {R"(\d+\.\d+)", Token::FloatingNumber, 10},
-    {R"(\d+)", Token::DecimalNumber, 10},
-    {R"([A-Za-z_$][A-Za-z_0-9$]*)", Token::Identifier, 10},
-    {R"(@[A-Za-z_0-9]*)", Token::Register, 10},
-    {R"(;)", Token::Semicolon, 10},
-    {R"(::)", Token::Scope, 10},
-    {R"(:)", Token::Colon, 10},
-    {R"(\()", Token::LeftParenthesis, 10},
-    {R"(\))", Token::RightParenthesis, 10},
-    {R"(\[)", Token::LeftBracket, 10},
-    {R"(\])", Token::RightBracket, 10},
-    {R"(\{)", Token::LeftBrace, 10},
-    {R"(\})", Token::RightBrace, 10},
-    {R"(\.)", Token::Dot, 10},
-    {R"(->)", Token::Arrow, 10},
-    {R"(\+\+)", Token::Increment, 10},
-    {R"(\-\-)", Token::Decrement, 10},
-    {R"(!=)", Token::NotEqual, 5},
-    {R"(!)", Token::Exclamation, 10},
-    {R"(~)", Token::Tilde, 10},
-    {R"(\*=)", Token::StarAssign, -3},
-    {R"(\*)", Token::Star, 9},
-    {R"(/=)", Token::SlashAssign, -3},
-    {R"(/)", Token::Slash, 9},
-    {R"(%=)", Token::PercentAssign, -3},
-    {R"(%)", Token::Percent, 9},
-    {R"(\+=)", Token::PlusAssign, -3},
-    {R"(\+)", Token::Plus, 8},
-    {R"(\-=)", Token::MinusAssign, -3},
-    {R"(-)", Token::Minus, 8},
-    {R"(<<=)", Token::ShiftLeftAssign, -3},
-    {R"(<<)", Token::ShiftLeft, 7},
-    {R"(>>>=)", Token::UnsignedShiftRightAssign, -3},
-    {R"(>>>)", Token::UnsignedShiftRight, 7},
-    {R"(>>=)", Token::ShiftRightAssign, -3},
-    {R"(>>)", Token::ShiftRight, 7},
-    {R"(<=)", Token::LessEqual, 6},
-    {R"(<)", Token::Less, 6},
-    {R"(>=)", Token::GreaterEqual, 6},
-    {R"(>)", Token::Greater, 6},
-    {R"(==)", Token::Equal, 5},
-    {R"(\^=)", Token::CaretAssign, -3},
-    {R"(\^)", Token::Caret, 3},
-    {R"(&=)", Token::AmpersandAssign, -3},
-    {R"(&&)", Token::AndAnd, 1},
-    {R"(&)", Token::Ampersand, 4},
-    {R"(\|=)", Token::BarAssign, -3},
-    {R"(\|\|)", Token::OrOr, 0},
-    {R"(\|)", Token::Bar, 2},
-    {R"(\?)", Token::Question, -1},
-    {R"(=)", Token::Assign, -2},
-    {R"(,)", Token::Comma, -4},
+    {R"([\s]+)", Whitespace, 10},
+    {R"re("[^"]*")re", String, 10},
+    {R"(0x[0-9A-Fa-f]*)", HexadecimalNumber, 10},
+    {R"(0b[0-1]*)", BinaryNumber, 10},
+    {R"(\d+\.\d+)", FloatingNumber, 10},
+    {R"(\d+)", DecimalNumber, 10},
+    {R"([A-Za-z_$][A-Za-z_0-9$]*)", Identifier, 10},
+    {R"(@[A-Za-z_0-9]*)", Register, 10},
+    {R"(;)", Semicolon, 10},
+    {R"(::)", Scope, 10},
+    {R"(:)", Colon, 10},
+    {R"(\()", LeftParenthesis, 10},
+    {R"(\))", RightParenthesis, 10},
+    {R"(\[)", LeftBracket, 10},
+    {R"(\])", RightBracket, 10},
+    {R"(\{)", LeftBrace, 10},
+    {R"(\})", RightBrace, 10},
+    {R"(\.)", Dot, 10},
+    {R"(->)", Arrow, 10},
+    {R"(\+\+)", Increment, 10},
+    {R"(\-\-)", Decrement, 10},
+    {R"(!=)", NotEqual, 5},
+    {R"(!)", Exclamation, 10},
+    {R"(~)", Tilde, 10},
+    {R"(\*=)", StarAssign, -3},
+    {R"(\*)", Star, 9},
+    {R"(/=)", SlashAssign, -3},
+    {R"(/)", Slash, 9},
+    {R"(%=)", PercentAssign, -3},
+    {R"(%)", Percent, 9},
+    {R"(\+=)", PlusAssign, -3},
+    {R"(\+)", Plus, 8},
+    {R"(\-=)", MinusAssign, -3},
+    {R"(-)", Minus, 8},
+    {R"(<<=)", ShiftLeftAssign, -3},
+    {R"(<<)", ShiftLeft, 7},
+    {R"(>>>=)", UnsignedShiftRightAssign, -3},
+    {R"(>>>)", UnsignedShiftRight, 7},
+    {R"(>>=)", ShiftRightAssign, -3},
+    {R"(>>)", ShiftRight, 7},
+    {R"(<=)", LessEqual, 6},
+    {R"(<)", Less, 6},
+    {R"(>=)", GreaterEqual, 6},
+    {R"(>)", Greater, 6},
+    {R"(==)", Equal, 5},
+    {R"(\^=)", CaretAssign, -3},
+    {R"(\^)", Caret, 3},
+    {R"(&=)", AmpersandAssign, -3},
+    {R"(&&)", AndAnd, 1},
+    {R"(&)", Ampersand, 4},
+    {R"(\|=)", BarAssign, -3},
+    {R"(\|\|)", OrOr, 0},
+    {R"(\|)", Bar, 2},
+    {R"(\?)", Question, -1},
+    {R"(=)", Assign, -2},
+    {R"(,)", Comma, -4},
 };
 
 /// The rules as the compiler reads them, so that no run of the program does.
@@ -203,16 +203,6 @@ Token::Kind Lexer::take(std::size_t length, std::int32_t kind, std::int32_t prec
     ++scans;
     currentPrecedence = precedence;
     return static_cast<Token::Kind>(kind);
-}
-
-std::int64_t Lexer::tokenToInt64() const
-{
-    return static_cast<std::int64_t>(readNumber(characters));
-}
-
-std::uint64_t Lexer::tokenToUInt64() const
-{
-    return readNumber(characters);
 }
 
 double Lexer::tokenToDouble() const

@@ -2,11 +2,6 @@
 
 #include "tokenpattern.h"
 
-#include <cstdint>
-#include <string>
-#include <string_view>
-#include <vector>
-
 /// What a token is. The numbers are part of the interface; 1 is not used.
 namespace Token
 {
@@ -83,6 +78,12 @@ struct LexerToken {
     std::int32_t precedence;
 };
 
+/// The number that \a text spells: white space, a sign, then "0x" (base 16), "0b" (base 2) or "0"
+/// (base 8) and digits, or digits of base 10. Every character up to the end counts as a digit,
+/// whatever the base: "08" is 8, and 'z' is 35. The value wraps modulo 2^64, and a number with a
+/// minus sign is its two's complement. Cannot fail; text without digits is 0.
+std::uint64_t readNumber(std::string_view text);
+
 /// Cuts the text of an expression into tokens, by an ordered list of rules: where several match, the
 /// first wins, even against a longer match. Text is Latin-1, and a token is a range of it: making
 /// one allocates nothing. What no rule matches ends in a ParserException, with the position at the
@@ -90,8 +91,6 @@ struct LexerToken {
 class Lexer
 {
 public:
-    Lexer() = default;
-
     /// Appends a rule behind those that this lexer has; see TokenPattern for the notation. One whose
     /// pattern is invalid is listed and never applies. Other lexers do not see it.
     void addToken(std::string_view pattern, std::int32_t kind, std::int32_t precedence);
@@ -124,11 +123,9 @@ public:
     std::string_view tokenBytes() const { return characters; }
     bool tokenIs(std::string_view word) const { return characters == word; }
 
-    /// The current token as a decimal number; see readNumber().
-    std::int64_t tokenToInt64() const;
-    /// The current token as a hexadecimal or binary number; see readNumber().
-    std::uint64_t tokenToUInt64() const;
-    /// The current token as a floating-point number, as strtod reads it.
+    // The current token as a decimal number, as a hexadecimal or binary one, and as strtod reads it.
+    std::int64_t tokenToInt64() const { return static_cast<std::int64_t>(readNumber(characters)); }
+    std::uint64_t tokenToUInt64() const { return readNumber(characters); }
     double tokenToDouble() const;
 
 private:
@@ -143,9 +140,3 @@ private:
     Token::Kind currentKind = Token::EndOfInput;
     std::int32_t currentPrecedence = Token::noOperator;
 };
-
-/// The number that \a text spells: white space, a sign, then "0x" (base 16), "0b" (base 2) or "0"
-/// (base 8) and digits, or digits of base 10. Every character up to the end counts as a digit,
-/// whatever the base: "08" is 8, and 'z' is 35. The value wraps modulo 2^64, and a number with a
-/// minus sign is its two's complement. Cannot fail; text without digits is 0.
-std::uint64_t readNumber(std::string_view text);

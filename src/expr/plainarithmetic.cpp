@@ -9,18 +9,17 @@
 // by the same descent as in treeparser.cpp and with the same operators.
 //
 // It takes decimal, hexadecimal and binary numbers, the operators that compute, parentheses and white
-// space, to the end of the text. Whatever else it meets it leaves to the parser, which starts over:
-// an odd character, an odd order of characters, what stands behind a whole expression, and all that
-// begins behind the thousandth character. So it needs no rule of the grammar but those it follows:
+// space, to the end of the text. All else it leaves to the parser, which starts over: an odd
+// character or order of them, what stands behind a whole expression, and what begins behind the
+// thousandth character. So it needs no rule of the grammar but those it follows:
 //
 // - The lexer prefers long operators, and an operand cannot begin with "=", "<", ">" or "|". So two
 //   characters tell which operator it is: what "<<=", ">>>" or "->" goes on with is no operand.
 //   "++" and "--", which are no operators here, are told from two signs.
 // - A thousand characters make fewer calls and nodes than the parser's bounds allow.
 // - Operators do not short-circuit and nothing has an effect, so the order of evaluation does not
-//   show, and neither does whether an operand is missing before or behind a division by zero.
-// - A name, wherever an operand can be, has no value, whatever it turns out to be a part of: the
-//   parser evaluates it, or fails before it does.
+//   show, nor whether an operand is missing before or behind a division by zero.
+// - A name where an operand can be has no value, whatever it turns out to be a part of.
 
 namespace
 {
@@ -84,7 +83,8 @@ const char *endOfNumber(const char *digits)
 class PlainReader
 {
 public:
-    explicit PlainReader(const char *text) : start(text), at(text) {}
+    /// \a text must not be null.
+    explicit PlainReader(const char *text) : start(text), at(text) { assert(text); }
 
     PlainResult read()
     {
@@ -204,6 +204,5 @@ private:
 
 PlainResult evaluatePlain(const char *text)
 {
-    assert(text);
     return PlainReader(text).read();
 }

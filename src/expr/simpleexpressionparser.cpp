@@ -1,6 +1,5 @@
 #include "simpleexpressionparser.h"
 
-#include "parserexception.h"
 #include "plainarithmetic.h"
 #include "resolution.h"
 
@@ -38,16 +37,6 @@ ExpressionObject *SimpleExpressionParser::lookupScopedSymbol(const std::vector<s
     throw ParserException(joined(parts).append(" symbol not found"));
 }
 
-ExpressionObject *SimpleExpressionParser::lookupSymbol(const char *name)
-{
-    throw ParserException(std::string(name).append(" symbol not found"));
-}
-
-void SimpleExpressionParser::fail(const char *message)
-{
-    throw ParserException(message);
-}
-
 std::uint64_t SimpleExpressionParser::evaluateUnsigned(const char *text, bool *ok)
 {
     return evaluateWanted(text, &PlainValue::isNumeric, ok).toUInt64();
@@ -63,8 +52,6 @@ bool SimpleExpressionParser::evaluateBool(const char *text, bool *ok)
     return evaluateWanted(text, &PlainValue::isBoolean, ok).toBool();
 }
 
-/// The value of \a text if it has one and \a isWanted accepts it, else the void value, which every
-/// conversion reads as 0.
 PlainValue SimpleExpressionParser::evaluateWanted(const char *text,
                                                   bool (PlainValue::*isWanted)() const, bool *ok)
 {
@@ -74,7 +61,6 @@ PlainValue SimpleExpressionParser::evaluateWanted(const char *text,
     return *ok ? value : PlainValue();
 }
 
-/// The value of \a text; the void value where there is none.
 PlainValue SimpleExpressionParser::evaluateSilently(const char *text)
 {
     cost = stepsPerEvaluation;

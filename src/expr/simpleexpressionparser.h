@@ -11,7 +11,10 @@ public:
     static SimpleExpressionParser *instance();
 
     ExpressionObject *lookupScopedSymbol(const std::vector<std::string> &parts) override;
-    ExpressionObject *lookupSymbol(const char *name) override;
+    ExpressionObject *lookupSymbol(const char *name) override
+    {
+        throw ParserException(std::string(name).append(" symbol not found"));
+    }
     ExpressionObject *lookupRegister(const std::string &) override { fail("unknown register"); }
     bool isTypeName(const std::string &) override { return false; }
     ExpressionValue castValue(const BaseType &, const ExpressionValue &) override
@@ -52,8 +55,11 @@ public:
     std::uint64_t steps() const { return cost; }
 
 private:
-    [[noreturn]] static void fail(const char *message);
+    /// The value of \a text if it has one and \a isWanted accepts it, else the void value, which
+    /// every conversion reads as 0.
+    [[noreturn]] static void fail(const char *message) { throw ParserException(message); }
     PlainValue evaluateWanted(const char *text, bool (PlainValue::*isWanted)() const, bool *ok);
+    /// The value of \a text; the void value where there is none.
     PlainValue evaluateSilently(const char *text);
     PlainValue evaluateWithTree(const char *text);
 

@@ -19,6 +19,9 @@
 /// White space is 9 to 13, 32 and 0xA0; text is Latin-1. A repeated set takes all that it can and
 /// gives nothing back, so what follows it must begin outside the set. Anything else makes the
 /// pattern invalid, and an invalid pattern matches nowhere.
+///
+/// All of this is inline, because the compiler itself reads the patterns of the grammar, and because
+/// every token is matched, often more than once.
 class TokenPattern
 {
 public:
@@ -31,9 +34,29 @@ public:
             const auto code = static_cast<unsigned char>(c);
             return ((bits[code / 64] >> (code % 64)) & 1) != 0;
         }
-        constexpr void addRange(unsigned char first, unsigned char last);
-        constexpr void addEscaped(char c);
-        constexpr void invert();
+        constexpr void addRange(unsigned char first, unsigned char last)
+        {
+            for (unsigned int code = first; code <= last; ++code)
+                bits[code / 64] |= 1ULL << (code % 64);
+        }
+        /// Adds what the character behind a backslash stands for.
+        constexpr void addEscaped(char c)
+        {
+            if (c == 'd') {
+                addRange('0', '9');
+            } else if (c == 's') {
+                addRange(9, 13);
+                addRange(' ', ' ');
+                addRange(0xA0, 0xA0);
+            } else {
+                addRange(static_cast<unsigned char>(c), static_cast<unsigned char>(c));
+            }
+        }
+        constexpr void invert()
+        {
+            for (std::uint64_t &part : bits)
+                part = ~part;
+        }
         constexpr bool isEmpty() const { return (bits[0] | bits[1] | bits[2] | bits[3]) == 0; }
 
     private:
@@ -47,7 +70,13 @@ public:
         bool repeated = false;  ///< may take more than one
     };
 
-    explicit TokenPattern(std::string_view pattern);
+    explicit TokenPattern(std::string_view pattern) : source(pattern)
+    {
+        while (valid && !pattern.empty())
+            valid = takeStep(&pattern, &steps.emplace_back());
+        if (!valid)
+            steps.clear();
+    }
 
     /// The pattern as it was given.
     const std::string &text() const { return source; }
@@ -55,125 +84,89 @@ public:
     /// Characters at the beginning of \a input that the pattern takes. 0: no match.
     std::size_t match(std::string_view input) const { return match(steps, input); }
 
-    static constexpr std::size_t match(std::span<const Step> steps, std::string_view input);
+    static constexpr std::size_t match(std::span<const Step> steps, std::string_view input)
+    {
+        const char *next = input.data();
+        const char *last = next + input.size();
+        for (const Step &step : steps) {
+            if (next != last && step.set.contains(*next)) {
+                ++next;
+                while (step.repeated && next != last && step.set.contains(*next))
+                    ++next;
+            } else if (!step.optional) {
+                return 0;
+            }
+        }
+        return static_cast<std::size_t>(next - input.data());
+    }
+
     /// Cuts the first step off *pattern, which must not be empty. False: it is none that a pattern
     /// can have.
-    static constexpr bool takeStep(std::string_view *pattern, Step *step);
+    static constexpr bool takeStep(std::string_view *pattern, Step *step)
+    {
+        const char c = take(pattern);
+        if (c == '[') {
+            if (!takeSet(pattern, &step->set))
+                return false;
+        } else if (c == '\\') {
+            if (pattern->empty())
+                return false;
+            step->set.addEscaped(take(pattern));
+        } else if (std::string_view(".?*+|()]{}^$").find(c) == std::string_view::npos) {
+            step->set.addRange(static_cast<unsigned char>(c), static_cast<unsigned char>(c));
+        } else {
+            return false;
+        }
+        if (pattern->starts_with('+') || pattern->starts_with('*')) {
+            step->repeated = true;
+            step->optional = take(pattern) == '*';
+        }
+        return true;
+    }
 
 private:
-    static constexpr char take(std::string_view *rest);
-    static constexpr bool takeSet(std::string_view *rest, CharacterSet *set);
-    static constexpr void takeMember(std::string_view *rest, CharacterSet *set);
+    /// Takes the first character of *rest, which must not be empty.
+    static constexpr char take(std::string_view *rest)
+    {
+        assert(!rest->empty());
+        const char c = rest->front();
+        rest->remove_prefix(1);
+        return c;
+    }
+
+    /// The set whose opening bracket is taken already. False: nothing closes it, or it is empty.
+    static constexpr bool takeSet(std::string_view *rest, CharacterSet *set)
+    {
+        const bool inverted = rest->starts_with('^');
+        if (inverted)
+            take(rest);
+        while (!rest->empty() && rest->front() != ']')
+            takeMember(rest, set);
+        if (rest->empty())
+            return false;
+        take(rest);
+        if (inverted)
+            set->invert();
+        return !set->isEmpty();
+    }
+
+    /// Adds one member of a set: an escape, a range or a character.
+    static constexpr void takeMember(std::string_view *rest, CharacterSet *set)
+    {
+        const char c = take(rest);
+        auto last = static_cast<unsigned char>(c);
+        if (c == '\\' && !rest->empty()) {
+            set->addEscaped(take(rest));
+            return;
+        }
+        if (rest->size() > 1 && rest->front() == '-' && (*rest)[1] != ']') {
+            take(rest);
+            last = static_cast<unsigned char>(take(rest));
+        }
+        set->addRange(static_cast<unsigned char>(c), last);
+    }
 
     std::string source;
     std::vector<Step> steps;  ///< none where the pattern is invalid
-    bool valid;
+    bool valid = true;
 };
-
-// All of the reading is inline, because the compiler itself reads the patterns of the grammar, and
-// matching because every token passes through it, often more than once.
-
-constexpr void TokenPattern::CharacterSet::addRange(unsigned char first, unsigned char last)
-{
-    for (unsigned int code = first; code <= last; ++code)
-        bits[code / 64] |= 1ULL << (code % 64);
-}
-
-/// Adds what the character behind a backslash stands for.
-constexpr void TokenPattern::CharacterSet::addEscaped(char c)
-{
-    if (c == 'd') {
-        addRange('0', '9');
-    } else if (c == 's') {
-        addRange(9, 13);
-        addRange(' ', ' ');
-        addRange(0xA0, 0xA0);
-    } else {
-        addRange(static_cast<unsigned char>(c), static_cast<unsigned char>(c));
-    }
-}
-
-constexpr void TokenPattern::CharacterSet::invert()
-{
-    for (std::uint64_t &part : bits)
-        part = ~part;
-}
-
-/// Takes the first character of *rest, which must not be empty.
-constexpr char TokenPattern::take(std::string_view *rest)
-{
-    assert(!rest->empty());
-    const char c = rest->front();
-    rest->remove_prefix(1);
-    return c;
-}
-
-/// Adds one member of a set: an escape, a range or a character.
-constexpr void TokenPattern::takeMember(std::string_view *rest, CharacterSet *set)
-{
-    const char c = take(rest);
-    auto last = static_cast<unsigned char>(c);
-    if (c == '\\' && !rest->empty()) {
-        set->addEscaped(take(rest));
-        return;
-    }
-    if (rest->size() > 1 && rest->front() == '-' && (*rest)[1] != ']') {
-        take(rest);
-        last = static_cast<unsigned char>(take(rest));
-    }
-    set->addRange(static_cast<unsigned char>(c), last);
-}
-
-/// The set whose opening bracket is taken already. False: nothing closes it, or it is empty.
-constexpr bool TokenPattern::takeSet(std::string_view *rest, CharacterSet *set)
-{
-    const bool inverted = rest->starts_with('^');
-    if (inverted)
-        take(rest);
-    while (!rest->empty() && rest->front() != ']')
-        takeMember(rest, set);
-    if (rest->empty())
-        return false;
-    take(rest);
-    if (inverted)
-        set->invert();
-    return !set->isEmpty();
-}
-
-constexpr bool TokenPattern::takeStep(std::string_view *pattern, Step *step)
-{
-    const char c = take(pattern);
-    if (c == '[') {
-        if (!takeSet(pattern, &step->set))
-            return false;
-    } else if (c == '\\') {
-        if (pattern->empty())
-            return false;
-        step->set.addEscaped(take(pattern));
-    } else if (std::string_view(".?*+|()]{}^$").find(c) == std::string_view::npos) {
-        step->set.addRange(static_cast<unsigned char>(c), static_cast<unsigned char>(c));
-    } else {
-        return false;
-    }
-    if (pattern->starts_with('+') || pattern->starts_with('*')) {
-        step->repeated = true;
-        step->optional = take(pattern) == '*';
-    }
-    return true;
-}
-
-constexpr std::size_t TokenPattern::match(std::span<const Step> steps, std::string_view input)
-{
-    const char *next = input.data();
-    const char *last = next + input.size();
-    for (const Step &step : steps) {
-        if (next != last && step.set.contains(*next)) {
-            ++next;
-            while (step.repeated && next != last && step.set.contains(*next))
-                ++next;
-        } else if (!step.optional) {
-            return 0;
-        }
-    }
-    return static_cast<std::size_t>(next - input.data());
-}

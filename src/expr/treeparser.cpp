@@ -1,33 +1,24 @@
 #include "treeparser.h"
 
-#include "expressionparser.h"
 #include "operators.h"
-#include "parserexception.h"
 #include "resolution.h"
-#include "typereader.h"
-
-#include <cassert>
-#include <vector>
 
 // How an expression is read. Each production of the grammar is a function, and stands above it:
 // quotes enclose tokens, braces what may stand any number of times, brackets what may be missing.
 // A function begins at the first token of what it reads and ends with the first one behind it as
 // the current token. One token decides what comes next, so nothing is ever read twice.
 //
-// The operators with two operands are no productions but a loop. The lexer gives each token a level,
-// from -4 (loosest) to 9 (tightest), and Token::noOperator to what cannot stand between operands.
-// parseBinary(level) reads one operand and goes on as long as operators of its level or a tighter
-// one follow. The right operand of an operator takes only what is tighter still, so that equals
-// group to the left, assignments too: a = b = c is (a = b) = c.
+// The operators with two operands are a loop. The lexer gives each token a level, from -4 (loosest)
+// to 9 (tightest), and Token::noOperator to what cannot stand between operands. parseBinary(level)
+// reads one operand and goes on as long as operators of its level or a tighter one follow. A right
+// operand takes only what is tighter still, so that equals group to the left, assignments too:
+// a = b = c is (a = b) = c. A chain leans to the left and adds nothing to the height of its tree.
 //
-// Two things are not as in C. A cast takes all that follows it: (int)a + b is the cast of a + b. And
-// whatever is left behind an expression is not looked at: "1 2" is 1.
+// Two things are not as in C: a cast takes all that follows it, so that (int)a + b is the cast of
+// a + b, and what is left behind an expression is not looked at: "1 2" is 1.
 //
 // "a += b" becomes "a = a + b", where the addition refers to the a of the assignment. x++ and ++x
 // are both "x += 1", and "*x" is "x[0]".
-//
-// A text of a megabyte must not exhaust stack or memory, so calls and nodes are counted; see
-// Reading. What a chain of operators makes leans to the left and adds nothing to its height.
 
 namespace
 {
@@ -41,21 +32,16 @@ std::string_view unquoted(std::string_view literal)
 }  // namespace
 
 /// expression = binary of the loosest level
-TreeParser::Node TreeParser::parseExpression()
-{
-    return parseBinary(Token::loosestLevel);
-}
-
 /// binary = unary { operator of the level or a tighter one, binary of a tighter level than its }
 TreeParser::Node TreeParser::parseBinary(std::int32_t level)
 {
     const Nesting nesting(this);
-    const std::size_t sizeBefore = size();
+    const std::size_t sizeBefore = size;
     Node left = parseUnary();
     while (lexer.precedence() >= level && lexer.precedence() <= Token::tightestLevel) {
         const Token::Kind kind = lexer.kind();
         const std::int32_t rightLevel = lexer.precedence() + 1;
-        const std::size_t leftSize = size() - sizeBefore;
+        const std::size_t leftSize = size - sizeBefore;
         lexer.next();
         Node right = rightLevel > Token::tightestLevel ? parseUnary() : parseBinary(rightLevel);
         left = combine(kind, std::move(left), std::move(right), leftSize);
@@ -71,22 +57,17 @@ TreeParser::Node TreeParser::combine(Token::Kind kind, Node left, Node right, st
             throw ParserException("operator not supported");
         if (kind == row->token)
             return counted(row->make(std::move(left), std::move(right)));
-        right = counted(row->make(share(*left, leftSize), std::move(right)));
+        charge(leftSize);
+        right = counted(row->make(make<SharedExpression>(*left), std::move(right)));
     }
     return make<AssignExpression>(std::move(left), std::move(right), &parser);
-}
-
-TreeParser::Node TreeParser::share(const Expression &target, std::size_t targetSize)
-{
-    charge(targetSize);
-    return make<SharedExpression>(target);
 }
 
 /// unary = primary { postfix }
 TreeParser::Node TreeParser::parseUnary()
 {
     const Nesting nesting(this);
-    const std::size_t sizeBefore = size();
+    const std::size_t sizeBefore = size;
     return parsePostfix(parsePrimary(), sizeBefore);
 }
 
@@ -185,14 +166,12 @@ TreeParser::Node TreeParser::parseAddressofLine()
 TreeParser::Node TreeParser::parseName(bool rooted)
 {
     require(Token::Identifier, "identifier expected");
-    std::vector<std::string> parts{takeText(lexer.tokenBytes())};
-    lexer.next();
+    std::vector<std::string> parts{takeToken()};
     while (lexer.kind() == Token::Scope) {
         lexer.next();
         require(Token::Identifier, "identifier expected after '::'");
         charge(1);
-        parts.push_back(takeText(lexer.tokenBytes()));
-        lexer.next();
+        parts.push_back(takeToken());
     }
     if (parts.size() == 1 && !rooted)
         return make<IdentifierExpression>(std::move(parts.front()), &parser);
@@ -203,23 +182,19 @@ TreeParser::Node TreeParser::parseName(bool rooted)
 TreeParser::Node TreeParser::parseParenthesis()
 {
     lexer.next();
-    std::unique_ptr<BaseType> type = TypeReader(this).readType();
-    if (!type) {
-        Node inner = parseExpression();
-        advancePast(Token::RightParenthesis, "')' expected");
-        return inner;
-    }
+    Type type = readType();
+    Node inner = type ? nullptr : parseExpression();
     advancePast(Token::RightParenthesis, "')' expected");
-    Node operand = parseExpression();
-    return make<CastExpression>(std::move(type), std::move(operand), &parser);
+    return type ? make<CastExpression>(std::move(type), parseExpression(), &parser)
+                : std::move(inner);
 }
 
 TreeParser::Node TreeParser::parsePrefixStep(Token::Kind assignment)
 {
     lexer.next();
-    const std::size_t sizeBefore = size();
+    const std::size_t sizeBefore = size;
     Node target = parseUnary();
-    return makeStep(assignment, std::move(target), size() - sizeBefore);
+    return makeStep(assignment, std::move(target), size - sizeBefore);
 }
 
 TreeParser::Node TreeParser::makeStep(Token::Kind assignment, Node target, std::size_t targetSize)
@@ -255,11 +230,11 @@ TreeParser::Node TreeParser::parsePostfix(Node base, std::size_t sizeBefore)
             base = parseMember(std::move(base));
             break;
         case Token::Increment:
-            base = makeStep(Token::PlusAssign, std::move(base), size() - sizeBefore);
+            base = makeStep(Token::PlusAssign, std::move(base), size - sizeBefore);
             lexer.next();
             break;
         case Token::Decrement:
-            base = makeStep(Token::MinusAssign, std::move(base), size() - sizeBefore);
+            base = makeStep(Token::MinusAssign, std::move(base), size - sizeBefore);
             lexer.next();
             break;
         case Token::LeftParenthesis:
