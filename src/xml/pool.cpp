@@ -1,14 +1,53 @@
 #include "pool.h"
 
-#include "blockmemory.h"
-
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <memory>
 #include <new>
+#include <sys/mman.h>
 
-Pool::Block *Pool::freeBlocks = nullptr;
-Pool *Pool::currentPool = nullptr;
+namespace
+{
+
+constexpr std::size_t mebibyte = std::size_t{1} << 20;
+
+/// Starts at a page, as the kernel also copies a file faster to there.
+char *makeSlab(std::size_t size)
+{
+    auto *memory = static_cast<char *>(::operator new (size, std::align_val_t{4096}));
+#ifdef MADV_POPULATE_WRITE
+    // Only advice: where it is not taken, the memory is the same.
+    madvise(memory, size, MADV_POPULATE_WRITE);
+#endif
+    return memory;
+}
+
+/// Small processes get just what they ask for. Once a mebibyte was asked for, memory is cut from
+/// slabs that the kernel is told to back with pages at once: most of what a large document costs
+/// is the first touch of its memory, and part of that is the way into the kernel and back for each
+/// page. A slab takes no more than a quarter of what was asked for, so that little is backed in
+/// vain.
+char *takeMemory(std::size_t size)
+{
+    static std::size_t total = 0;
+    static char *slab = nullptr;
+    static std::size_t slabLeft = 0;
+    total += size;
+    if (total < mebibyte)
+        return new char[size];
+    const std::size_t slabSize = std::min(std::bit_floor(total / 4), mebibyte);
+    if (size > slabSize)
+        return makeSlab(size);
+    if (size > slabLeft) {
+        slab = makeSlab(slabSize);
+        slabLeft = slabSize;
+    }
+    slabLeft -= size;
+    return std::exchange(slab, slab + size);
+}
+
+}  // namespace
 
 Pool::~Pool()
 {
@@ -19,6 +58,7 @@ Pool::~Pool()
 
 void *Pool::allocateFromNextBlock(std::size_t size)
 {
+    constexpr std::size_t smallestBlock = 8192;
     const std::size_t rounded = roundUp(size);
     if (rounded < size)
         throw std::bad_alloc();
@@ -35,43 +75,28 @@ void *Pool::allocateFromNextBlock(std::size_t size)
 Pool::Block *Pool::takeBlock(std::size_t wanted)
 {
     for (Block **link = &freeBlocks; *link; link = &(*link)->next) {
-        if ((*link)->size >= wanted) {
-            Block *taken = *link;
-            *link = taken->next;
-            return taken;
-        }
+        if ((*link)->size >= wanted)
+            return std::exchange(*link, (*link)->next);
     }
     auto made = std::make_unique<Block>(Block{nullptr, wanted, nullptr});
-    made->memory = takeBlockMemory(wanted);
+    made->memory = takeMemory(wanted);
     return made.release();
 }
 
 void Pool::clear()
 {
-    while (block) {
-        Block *released = block;
+    while (Block *released = block) {
         block = released->next;
         std::memset(released->memory, 0xFE, released->size);
-        released->next = freeBlocks;
-        freeBlocks = released;
+        released->next = std::exchange(freeBlocks, released);
     }
     used = 0;
-    capacity = 0;
-    memory = nullptr;
     usedBefore = 0;
-}
-
-Pool *Pool::setCurrent(Pool *pool)
-{
-    Pool *previous = currentPool;
-    currentPool = pool;
-    return previous;
 }
 
 Pool *Pool::useDefaultPool()
 {
     // Never destroyed: objects that outlive main() can lie in it.
     static Pool *defaultPool = new Pool;
-    currentPool = defaultPool;
-    return currentPool;
+    return currentPool = defaultPool;
 }

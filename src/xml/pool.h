@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <span>
+#include <utility>
 
 /// Memory that is given back all at once. Pieces are carved from blocks of at least 8192 bytes
 /// and are aligned to 8. A cleared pool's blocks go to a list that every pool of the process
@@ -35,7 +36,7 @@ public:
     std::size_t bytesUsed() const { return usedBefore + used; }
 
     /// Makes \a pool the current one and returns the one that was; either can be null.
-    static Pool *setCurrent(Pool *pool);
+    static Pool *setCurrent(Pool *pool) { return std::exchange(currentPool, pool); }
 
     /// allocate() on the current pool; a default pool, kept until the process ends, becomes
     /// current when there is none.
@@ -59,14 +60,13 @@ private:
         char *memory;
     };
 
-    static constexpr std::size_t smallestBlock = 8192;
     static std::size_t roundUp(std::size_t size) { return (size + 7) & ~std::size_t{7}; }
     static Block *takeBlock(std::size_t wanted);
     static Pool *useDefaultPool();
     void *allocateFromNextBlock(std::size_t size);
 
-    static Block *freeBlocks;
-    static Pool *currentPool;
+    static inline Block *freeBlocks = nullptr;
+    static inline Pool *currentPool = nullptr;
 
     Block *block = nullptr;
     std::size_t used = 0;
