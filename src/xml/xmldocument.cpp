@@ -65,11 +65,10 @@ bool XMLDocument::parseOwn(std::span<char> text)
 {
     XMLReader reader(this, text);
     root = reader.read();
-    if (reader.error() == XMLReader::Error::None)
+    if (!reader.error())
         return true;
     errorLine = reader.errorLine();
-    return fail(reader.error() == XMLReader::Error::BadName ? "bad tagName" : "tagName mismatch",
-                "");
+    return fail(reader.error(), "");
 }
 
 bool XMLDocument::read(FILE *stream)

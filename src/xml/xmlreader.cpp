@@ -50,22 +50,17 @@ XMLReader::XMLReader(XMLDocument *target, std::span<char> text)
       ampersands('&', text),
       dollars('$', text),
       // A newline that is the very first byte is never counted.
-      nextNewline(text.empty() ? position : findByte('\n', position + 1)),
-      keepComments(target->keepComments)
+      nextNewline(text.empty() ? position : findByte('\n', position + 1))
 {
     assert(position[text.size()] == '\0');
 }
 
-void XMLReader::skipSpace()
-{
-    position = passSpace(position);
-}
-
+/// Reads a name, which can be empty, and the white space behind it.
 XMLReader::Span XMLReader::readName()
 {
-    char *const start = position;
-    position = passName(start);
-    return {start, position};
+    const Span name{position, passName(position)};
+    position = passSpace(name.end);
+    return name;
 }
 
 /// The text between the quote at \a quote and the next one, or the end.
@@ -77,7 +72,7 @@ inline XMLReader::Span XMLReader::quotedAt(char *quote)
 XMLNode *XMLReader::read()
 {
     const CurrentPool current(document);
-    skipSpace();
+    position = passSpace(position);
     while (*position == '<') {
         markupLine = lineAt(position);
         ++position;
@@ -110,7 +105,6 @@ bool XMLReader::readInstruction()
 {
     ++position;
     const Span name = readName();
-    skipSpace();
     return !std::string_view("xml").starts_with(name.view()) || readDeclaration();
 }
 
@@ -118,11 +112,8 @@ bool XMLReader::readDeclaration()
 {
     for (;;) {
         const Span name = readName();
-        skipSpace();
         if (*position == '?') {
-            ++position;
-            if (*position == '>')
-                ++position;
+            position += position[1] == '>' ? 2 : 1;
             return true;
         }
         if (*position == '=') {
@@ -138,8 +129,7 @@ bool XMLReader::readDeclaration()
 
 bool XMLReader::readDeclarationValue(const Span &name)
 {
-    ++position;
-    skipSpace();
+    position = passSpace(position + 1);
     if (*position != '"') {
         result = nullptr;
         return false;
@@ -155,73 +145,51 @@ bool XMLReader::readDeclarationValue(const Span &name)
 
 void XMLReader::readExclamation()
 {
-    ++position;
-    if (*position == '-') {
-        readComment();
+    if (*++position == '-') {
+        if (*++position == '-') {
+            ++position;
+            readUpTo<XMLComment>("-->", document->keepComments);
+        }
         return;
     }
     const Span name = readName();
-    skipSpace();
     // No name holds a '[', so only the empty one is a beginning of "[CDATA[".
-    if (name.length() == 0)
-        readCData();
-    else if (std::string_view("DOCTYPE").starts_with(name.view()))
+    if (name.length() == 0) {
+        position = passByte(position);
+        readName();
+        position = passByte(position);
+        readUpTo<XMLCDATASection>("]]>", true);
+    } else if (std::string_view("DOCTYPE").starts_with(name.view())) {
         readDoctype();
+    }
 }
 
-void XMLReader::readComment()
+/// Reads a node whose text goes from here to \a terminator: two equal bytes and a '>'. The search
+/// does not look back: where a byte fails the test it goes on at that byte, so a third equal byte
+/// hides the terminator behind it.
+template <typename Node>
+void XMLReader::readUpTo(const char *terminator, bool isKept)
 {
+    char *const start = position;
+    char *end;
+    do {
+        end = position = findByte(terminator[0], position);
+        if (*end == '\0')
+            return;
+    } while (*++position != terminator[1] || *++position != terminator[2]);
     ++position;
-    if (*position != '-')
+    if (!isKept || open.empty())
         return;
-    ++position;
-    Span text{};
-    if (!findEnd("-->", &text) || !keepComments || open.empty())
-        return;
-    endAt(text.end);
-    append(new XMLComment(text.start), markupLine);
-}
-
-void XMLReader::readCData()
-{
-    position = passByte(position);
-    readName();
-    skipSpace();
-    position = passByte(position);
-    Span text{};
-    if (!findEnd("]]>", &text) || open.empty())
-        return;
-    endAt(text.end);
-    append(new XMLCDATASection(text.start), markupLine);
+    endAt(end);
+    append(new Node(start), markupLine);
 }
 
 void XMLReader::readDoctype()
 {
     const Span name = readName();
-    skipSpace();
     if (*position == '>') {
         document->doctype = XMLDocument::copyString(name.start, name.length());
         ++position;
-    }
-}
-
-/// Finds the text from here to \a terminator (two equal bytes and a '>') and stands behind that;
-/// false at the end of the text. The search does not look back: where a byte fails the test it
-/// goes on at that byte, so a third equal byte hides the terminator behind it.
-bool XMLReader::findEnd(const char *terminator, Span *text)
-{
-    text->start = position;
-    for (;;) {
-        position = findByte(terminator[0], position);
-        text->end = position;
-        if (*position == '\0')
-            return false;
-        if (*++position != terminator[1])
-            continue;
-        if (*++position != terminator[2])
-            continue;
-        ++position;
-        return true;
     }
 }
 
@@ -241,7 +209,7 @@ bool XMLReader::readStartTag()
     position = at;
     const char next = *at;
     if (next != '>' && next != '/' && next != '\0')
-        return fail(Error::BadName);
+        return fail("bad tagName");
     XMLElement *element = makeElement(name);
     if (next == '/' && at[1] == '>') {
         closeElement(element);
@@ -331,21 +299,15 @@ inline void XMLReader::endAt(char *end)
 bool XMLReader::readEndTag()
 {
     char *at = position + 1;
-    if (*at != '>') {
-        // A beginning of the open element's name will do, the empty one included.
-        const char *expected = open.empty() ? "" : open.back().element->name();
-        while (CharacterClass::is(CharacterClass::Name, *at) && *at == *expected) {
-            ++at;
-            ++expected;
-        }
-        const bool matches = open.empty() || !CharacterClass::is(CharacterClass::Name, *at);
-        position = passSpace(passName(at));
-        if (!matches)
-            return fail(Error::Mismatch);
-        at = position;
-    }
-    position = at;
-    if (*at != '>')
+    // A beginning of the open element's name will do, the empty one included.
+    const char *expected = open.empty() ? "" : open.back().element->name();
+    for (; CharacterClass::is(CharacterClass::Name, *at) && *at == *expected; ++at)
+        ++expected;
+    const bool matches = open.empty() || !CharacterClass::is(CharacterClass::Name, *at);
+    position = passSpace(passName(at));
+    if (!matches)
+        return fail("tagName mismatch");
+    if (*position != '>')
         return true;
     ++position;
     if (!open.empty()) {
@@ -373,7 +335,7 @@ void XMLReader::readCharacterData()
     for (int step = 0; step < 16 && CharacterClass::is(CharacterClass::Space, *at); ++step)
         ++at;
     position = *at == '<' ? at : findByte('<', at);
-    if (!keepComments || open.empty())
+    if (!document->keepComments || open.empty())
         return;
     char *const text = XMLDocument::copyString(start, Span{start, position}.length());
     decodeReferences(start, position, text, true);
@@ -389,13 +351,6 @@ void XMLReader::append(XMLNode *node, int firstLine)
     node->parent = parent.element;
     *parent.end = node;
     parent.end = &node->nextSibling;
-}
-
-bool XMLReader::fail(Error what)
-{
-    failure = what;
-    failureLine = lineAt(position);
-    return false;
 }
 
 void XMLReader::countLines(const char *where)

@@ -31,19 +31,16 @@ class XMLDocument;
 class XMLReader
 {
 public:
-    enum class Error {
-        None,
-        BadName,   ///< an attribute's name begins with no letter, '_', '-' or ':'
-        Mismatch,  ///< an end tag's name is no beginning of the open element's name
-    };
-
     XMLReader(XMLDocument *target, std::span<char> text);
 
     /// The last top-level element that was closed. Null when there is none.
     XMLNode *read();
 
-    Error error() const { return failure; }
-    int errorLine() const { return failureLine; }
+    /// What ended the read: "bad tagName" where an attribute's name begins with no letter, '_', '-'
+    /// or ':', "tagName mismatch" where an end tag's is no beginning of the open element's name.
+    /// Null for the end of the text.
+    const char *error() const { return failure; }
+    int errorLine() { return lineAt(position); }
 
 private:
     /// A piece of the text.
@@ -64,18 +61,16 @@ private:
     bool readDeclaration();
     bool readDeclarationValue(const Span &name);
     void readExclamation();
-    void readComment();
-    void readCData();
+    template <typename Node>
+    void readUpTo(const char *terminator, bool isKept);
     void readDoctype();
     bool readStartTag();
     char *readAttribute(char *from);
     bool readEndTag();
     void readCharacterData();
 
-    void skipSpace();
     Span readName();
     static Span quotedAt(char *quote);
-    bool findEnd(const char *terminator, Span *text);
 
     void setAttribute(const Span &name, const char *value);
     void setIndexedAttribute(std::string_view name, const char *value);
@@ -83,7 +78,11 @@ private:
     void closeElement(XMLElement *element);
     void endAt(char *end);
     void append(XMLNode *node, int line);
-    bool fail(Error what);
+    bool fail(const char *message)
+    {
+        failure = message;
+        return false;
+    }
 
     /// The newlines up to and including \a where, or up to whatever was asked for before, if that
     /// lies behind it.
@@ -102,9 +101,7 @@ private:
     const char *nextNewline;  ///< the first that is not counted in line yet; the NUL if none is
     int line = 0;
     int markupLine = 0;  ///< where the markup that is being read began
-    Error failure = Error::None;
-    int failureLine = 0;
-    bool keepComments;
+    const char *failure = nullptr;
 
     std::vector<OpenElement> open;
     XMLNode *result = nullptr;
