@@ -6,9 +6,9 @@
 #include <climits>
 #include <csignal>
 #include <fcntl.h>
-#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {
@@ -46,12 +46,6 @@ bool isOpenAs(int descriptor, const struct stat &wanted)
            open.st_ino == wanted.st_ino;
 }
 
-bool isRegular(int descriptor)
-{
-    struct stat open = {};
-    return fstat(descriptor, &open) != 0 || S_ISREG(open.st_mode);
-}
-
 /// Whether the failure to make a file says something about the place rather than about the
 /// moment: only then is there no better way than to write in place.
 bool noFileCanBeMade(int error)
@@ -75,29 +69,47 @@ bool takeOver(int descriptor, const struct stat &old)
     return fchmod(descriptor, old.st_mode & (isOwned ? 07777 : 0777)) == 0;
 }
 
-}  // namespace
+/// Instead of a descriptor: something changed between two looks at it.
+constexpr int changed = -2;
 
-/// What is to be done to write a file.
-struct OutputFile::Plan {
-    enum class Way {
-        Refuse,
-        LookAgain,   ///< something changed between two looks
-        Replace,     ///< a temporary file is renamed to path
-        InPlace,     ///< path is emptied and written
-        Device,      ///< the same for what is no regular file
-        Descriptor,  ///< what is open there already is written on
-    };
-    Way way = Way::Refuse;
-    std::string path = {};
-    std::optional<struct stat> old = {};  ///< the file that is to be replaced, if there is one
-    int descriptor = -1;
-};
+int openInPlace(const std::string &path)
+{
+    return open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+}
+
+int openDevice(const std::string &path)
+{
+    const int descriptor = open(path.c_str(), O_WRONLY);
+    struct stat opened = {};
+    if (descriptor < 0 || (fstat(descriptor, &opened) == 0 && !S_ISREG(opened.st_mode)))
+        return descriptor;
+    // A file has taken its place, and nothing happened to that yet.
+    close(descriptor);
+    return changed;
+}
+
+int openSystemLink(const std::string &path)
+{
+    // Behind /dev/stdout can be a file that others go on writing to: what is put in its place, or
+    // written at an offset of its own, would be lost to them or they to it.
+    struct stat found = {};
+    const bool isFile = stat(path.c_str(), &found) == 0 && S_ISREG(found.st_mode);
+    for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
+        if (isFile && isOpenAs(descriptor, found))
+            return dup(descriptor);
+    }
+    return openInPlace(path);
+}
+
+}  // namespace
 
 OutputFile::Link OutputFile::newest = nullptr;
 
 OutputFile::OutputFile(const char *fileName)
 {
-    const int descriptor = open(fileName);
+    int descriptor = changed;
+    for (int looks = 0; looks < 100 && descriptor == changed; ++looks)
+        descriptor = open(fileName);
     if (descriptor < 0)
         return;
     file = fdopen(descriptor, "wb");
@@ -137,101 +149,59 @@ void OutputFile::endBySignal(int number)
     raise(number);
 }
 
-/// Follows the links one by one, so that each answer is about one thing: with stat() another
-/// program's rename between two calls could make a plain file look like two different ones.
-OutputFile::Plan OutputFile::planFor(const char *fileName)
+/// A descriptor to write to, -1 or changed. Follows the links one by one, so that each answer is
+/// about one thing: with stat() another program's rename between two calls could make a plain file
+/// look like two different ones.
+int OutputFile::open(std::string path)
 {
     constexpr int mostLinks = 40;
-    std::string path = fileName;
     for (int links = 0; links <= mostLinks; ++links) {
         struct stat found = {};
         if (lstat(path.c_str(), &found) != 0)
-            return {errno == ENOENT ? Plan::Way::Replace : Plan::Way::Refuse, path};
+            return errno == ENOENT ? openToReplace(path, nullptr) : -1;
         if (S_ISREG(found.st_mode) && access(path.c_str(), W_OK) == 0)
-            return {Plan::Way::Replace, path, found};
+            return openToReplace(path, &found);
         if (S_ISREG(found.st_mode))
-            return {errno == ENOENT ? Plan::Way::LookAgain : Plan::Way::Refuse};
+            return errno == ENOENT ? changed : -1;
         if (!S_ISLNK(found.st_mode))
-            return {Plan::Way::Device, path};
+            return openDevice(path);
         if (isSystemLink(found))
-            return planForSystemLink(path.c_str());
+            return openSystemLink(path);
         path = followLink(path);
         if (path.empty())
-            return {errno == ENOENT || errno == EINVAL ? Plan::Way::LookAgain : Plan::Way::Refuse};
-    }
-    return {};
-}
-
-OutputFile::Plan OutputFile::planForSystemLink(const char *fileName)
-{
-    // Behind /dev/stdout can be a file that others go on writing to: what is put in its place, or
-    // written at an offset of its own, would be lost to them or they to it.
-    struct stat found = {};
-    const bool isFile = stat(fileName, &found) == 0 && S_ISREG(found.st_mode);
-    for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
-        if (isFile && isOpenAs(descriptor, found))
-            return {Plan::Way::Descriptor, {}, {}, descriptor};
-    }
-    return {Plan::Way::InPlace, fileName};
-}
-
-/// A descriptor to write to, or -1.
-int OutputFile::open(const char *fileName)
-{
-    constexpr int mostLooks = 100;
-    for (int looks = 0; looks < mostLooks; ++looks) {
-        const Plan plan = planFor(fileName);
-        int descriptor = -1;
-        switch (plan.way) {
-        case Plan::Way::Refuse:
-            return -1;
-        case Plan::Way::LookAgain:
-            continue;
-        case Plan::Way::Replace:
-            descriptor = openTemporary(plan);
-            if (descriptor >= 0 || !noFileCanBeMade(errno))
-                return descriptor;
-            [[fallthrough]];
-        case Plan::Way::InPlace:
-            return ::open(plan.path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
-        case Plan::Way::Device:
-            // Should a file have taken its place, nothing happened to that yet.
-            descriptor = ::open(plan.path.c_str(), O_WRONLY);
-            if (descriptor < 0 || !isRegular(descriptor))
-                return descriptor;
-            close(descriptor);
-            break;
-        case Plan::Way::Descriptor:
-            return dup(plan.descriptor);
-        }
+            return errno == ENOENT || errno == EINVAL ? changed : -1;
     }
     return -1;
+}
+
+int OutputFile::openToReplace(const std::string &path, const struct stat *old)
+{
+    const int descriptor = openTemporary(path, old);
+    return descriptor < 0 && noFileCanBeMade(errno) ? openInPlace(path) : descriptor;
 }
 
 /// The file has a name from the start. One without (O_TMPFILE) would leave nothing behind even after
 /// SIGKILL; but making, linking and renaming it takes 18 us where this takes 13 (tmpfs), and file
 /// systems that have none need the other way as well.
-int OutputFile::openTemporary(const Plan &plan)
+int OutputFile::openTemporary(const std::string &path, const struct stat *old)
 {
     // No other run has this name: the clock tells apart what containers with process IDs of their
     // own make in a directory that they share.
     const auto now = std::chrono::system_clock::now().time_since_epoch().count();
     temporary =
-        directoryOf(plan.path) + ".xmlpp-" + std::to_string(getpid()) + '-' + std::to_string(now);
-    target = plan.path;
+        directoryOf(path) + ".xmlpp-" + std::to_string(getpid()) + '-' + std::to_string(now);
+    target = path;
     older = newest.load();
     newest = this;
     // Nobody may open the temporary file who could not open the old one. Nothing from here to the
     // end of the constructor allocates: an exception would leave the file behind.
     const int descriptor =
-        ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL, plan.old ? 0600 : 0666);
+        ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL, old ? 0600 : 0666);
     if (descriptor < 0) {
-        const int error = errno;
-        forgetTemporary();
-        errno = error;
+        forgetTemporary();  // leaves errno alone
         return -1;
     }
-    if (!plan.old || takeOver(descriptor, *plan.old))
+    if (!old || takeOver(descriptor, *old))
         return descriptor;
     close(descriptor);
     errno = EIO;
@@ -250,8 +220,7 @@ void OutputFile::forgetTemporary()
 bool OutputFile::commit()
 {
     assert(file);
-    FILE *stream = file;
-    file = nullptr;
+    FILE *stream = std::exchange(file, nullptr);
     const bool written = std::fflush(stream) == 0 && !std::ferror(stream);
     if (std::fclose(stream) != 0 || !written)
         return false;

@@ -33,12 +33,9 @@ public:
     bool commit();
 
 private:
-    struct Plan;
-
-    static Plan planFor(const char *fileName);
-    static Plan planForSystemLink(const char *fileName);
-    int open(const char *fileName);
-    int openTemporary(const Plan &plan);
+    int open(std::string path);
+    int openToReplace(const std::string &path, const struct stat *old);
+    int openTemporary(const std::string &path, const struct stat *old);
     void forgetTemporary();
     static void endBySignal(int number);
 
