@@ -103,8 +103,6 @@ int openSystemLink(const std::string &path)
 
 }  // namespace
 
-OutputFile::Link OutputFile::newest = nullptr;
-
 OutputFile::OutputFile(const char *fileName)
 {
     int descriptor = changed;

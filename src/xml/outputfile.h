@@ -48,6 +48,6 @@ private:
     // name changes only while it is not, and the chain changes by single stores.
     using Link = std::atomic<OutputFile *>;
     static_assert(Link::is_always_lock_free);
-    static Link newest;
+    static inline Link newest = nullptr;
     Link older = nullptr;
 };

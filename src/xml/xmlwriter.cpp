@@ -9,21 +9,6 @@
 #include <cstring>
 #include <vector>
 
-namespace
-{
-
-const char *textOf(const XMLNode *node)
-{
-    const char *text = static_cast<const XMLText *>(node)->data();
-    return text ? text : "";
-}
-
-}  // namespace
-
-// What is read of the buffer was written there before; a small document uses little of it.
-// cppcheck-suppress uninitMemberVar
-XMLWriter::XMLWriter(FILE *target, int spacesPerLevel) : stream(target), indent(spacesPerLevel) {}
-
 void XMLWriter::writeDocument(const XMLDocument &document)
 {
     char *to = buffer;
@@ -38,11 +23,6 @@ void XMLWriter::writeDocument(const XMLDocument &document)
     if (document.doctype)
         to = appendBetween(to, "<!DOCTYPE ", document.doctype, ">\n");
     flush(appendTree(to, document.root, 0));
-}
-
-void XMLWriter::writeNode(const XMLNode *node, long long depth)
-{
-    flush(appendTree(buffer, node, depth));
 }
 
 char *XMLWriter::appendTree(char *to, const XMLNode *node, long long depth)
@@ -71,15 +51,14 @@ char *XMLWriter::appendTree(char *to, const XMLNode *node, long long depth)
     }
 }
 
-void XMLWriter::writeEscaped(const char *text)
-{
-    flush(appendEscaped(buffer, text));
-}
-
 /// All of \a node that stands before its children.
 char *XMLWriter::appendNode(char *to, const XMLNode *node, long long depth)
 {
     to = appendIndentation(to, depth);
+    const auto textOf = [](const XMLNode *each) {
+        const char *text = static_cast<const XMLText *>(each)->data();
+        return text ? text : "";
+    };
     switch (node->kind()) {
     case XMLNode::Kind::Element:
         return appendStartTag(to, static_cast<const XMLElement *>(node));
@@ -93,14 +72,6 @@ char *XMLWriter::appendNode(char *to, const XMLNode *node, long long depth)
         break;
     }
     return to;
-}
-
-/// Appends a piece that the writer itself adds to what is in the tree.
-inline char *XMLWriter::append(char *to, std::string_view piece)
-{
-    assert(piece.size() <= roomAt(to));
-    std::memcpy(to, piece.data(), piece.size());
-    return to + piece.size();
 }
 
 /// Appends *text up to the first byte that is not \a wanted, which the NUL is not, and leaves
@@ -155,14 +126,13 @@ char *XMLWriter::appendStartTag(char *to, const XMLElement *element)
         to = appendBetween(to, " ", attribute.name, "=\"");
         to = append(appendEscaped(to, attribute.value), "\"");
     }
-    to = append(to, element->firstChild ? ">" : "/>");
-    return indent != 0 ? append(to, "\n") : to;
+    return appendLineEnd(append(to, element->firstChild ? ">" : "/>"));
 }
 
 char *XMLWriter::appendEndTag(char *to, const XMLElement *element, long long depth)
 {
-    to = appendBetween(appendIndentation(to, depth), "</", element->name(), ">");
-    return indent != 0 ? append(to, "\n") : to;
+    to = appendIndentation(to, depth);
+    return appendLineEnd(appendBetween(to, "</", element->name(), ">"));
 }
 
 char *XMLWriter::appendReference(char *to, unsigned char byte)
@@ -197,13 +167,6 @@ inline char *XMLWriter::appendIndentation(char *to, long long depth)
     return to;
 }
 
-/// flush() once the end is passed.
-inline char *XMLWriter::flushPassed(char *to)
-{
-    return to >= bufferEnd ? flush(to) : to;
-}
-
-/// Hands the buffer's content up to \a to over. Returns where the next byte goes.
 char *XMLWriter::flush(char *to)
 {
     assert(to >= buffer && to <= bufferEnd + slack);

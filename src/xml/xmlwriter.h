@@ -2,7 +2,9 @@
 
 #include "xmlnode.h"
 
+#include <cassert>
 #include <cstdio>
+#include <cstring>
 #include <string_view>
 
 class XMLDocument;
@@ -23,7 +25,9 @@ class XMLDocument;
 class XMLWriter
 {
 public:
-    XMLWriter(FILE *target, int spacesPerLevel);
+    // What is read of the buffer was written there before; a small document uses little of it.
+    // cppcheck-suppress uninitMemberVar
+    XMLWriter(FILE *target, int spacesPerLevel) : stream(target), indent(spacesPerLevel) {}
     XMLWriter(const XMLWriter &) = delete;
     XMLWriter &operator=(const XMLWriter &) = delete;
 
@@ -32,10 +36,10 @@ public:
 
     /// \a node, which can be null, and all below it, \a depth levels deep. Takes no more of the
     /// stack for a deep tree than for a flat one.
-    void writeNode(const XMLNode *node, long long depth);
+    void writeNode(const XMLNode *node, long long depth) { flush(appendTree(buffer, node, depth)); }
 
     /// \a text, which can be null, in printable ASCII: all other bytes as references.
-    void writeEscaped(const char *text);
+    void writeEscaped(const char *text) { flush(appendEscaped(buffer, text)); }
 
 private:
     static constexpr std::size_t bufferSize = std::size_t{1} << 16;
@@ -44,7 +48,12 @@ private:
     // Each of these appends at to and returns the new end. It is handed on in locals: every byte
     // that is written could otherwise, for all that the compiler knows, change the member in which
     // the end is kept.
-    char *append(char *to, std::string_view piece);
+    char *append(char *to, std::string_view piece)
+    {
+        assert(piece.size() <= roomAt(to));
+        std::memcpy(to, piece.data(), piece.size());
+        return to + piece.size();
+    }
     template <typename Wanted>
     char *appendWhile(char *to, const char **text, Wanted wanted);
     char *appendText(char *to, const char *text);
@@ -57,8 +66,10 @@ private:
     char *appendEndTag(char *to, const XMLElement *element, long long depth);
     char *appendTree(char *to, const XMLNode *node, long long depth);
     char *appendNode(char *to, const XMLNode *node, long long depth);
+    char *appendLineEnd(char *to) { return indent != 0 ? append(to, "\n") : to; }
+    /// Hands the buffer's content up to \a to over. Returns where the next byte goes.
     char *flush(char *to);
-    char *flushPassed(char *to);
+    char *flushPassed(char *to) { return to >= bufferEnd ? flush(to) : to; }
     std::size_t roomAt(const char *to) const
     {
         return static_cast<std::size_t>(bufferEnd + slack - to);
