@@ -8,13 +8,6 @@
 
 #include <cstring>
 
-XMLDocument::XMLDocument(bool keepCommentsAndData) : keepComments(keepCommentsAndData) {}
-
-XMLElement *XMLDocument::createElement(const char *name)
-{
-    return new XMLElement(name);
-}
-
 char *XMLDocument::copyString(const char *text, std::size_t length)
 {
     char *copy = static_cast<char *>(Pool::allocateCurrent(length + 1));
@@ -54,10 +47,9 @@ XMLNode *XMLDocument::copyOne(const XMLNode *source)
 
 bool XMLDocument::parse(char *text)
 {
+    const CurrentPool current(this);
     const std::size_t length = std::strlen(text);
-    char *own = static_cast<char *>(allocate(length + 1));
-    std::memcpy(own, text, length + 1);
-    return parseOwn({own, length});
+    return parseOwn({copyString(text, length), length});
 }
 
 /// parse() with text that lies in the pool, has a NUL behind it and becomes part of the tree.

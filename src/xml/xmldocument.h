@@ -16,13 +16,13 @@
 class XMLDocument : public Pool
 {
 public:
-    explicit XMLDocument(bool keepCommentsAndData);
+    explicit XMLDocument(bool keepCommentsAndData) : keepComments(keepCommentsAndData) {}
     virtual ~XMLDocument() = default;
 
     /// A new element with that name (the pointer is kept) in the current pool. Every element of
     /// the document is made by this operation. Attributes are then appended to it directly; only
     /// to an element that comes with some of its own they are added by setAttribute().
-    virtual XMLElement *createElement(const char *name);
+    virtual XMLElement *createElement(const char *name) { return new XMLElement(name); }
 
     /// Reads a document from a copy of NUL-terminated text, which itself stays as it is. The result
     /// becomes the root even on failure, and is null when the text has no closed top-level

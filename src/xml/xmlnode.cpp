@@ -5,21 +5,6 @@
 #include <cstring>
 #include <utility>
 
-namespace
-{
-
-/// The link in \a parent's chain that \a child hangs from; the one at the end, which holds null,
-/// when it is no child.
-XMLNode **findLink(XMLNode *parent, const XMLNode *child)
-{
-    XMLNode **link = &parent->firstChild;
-    while (*link && *link != child)
-        link = &(*link)->nextSibling;
-    return link;
-}
-
-}  // namespace
-
 XMLNode *adoptChain(XMLNode *newParent, XMLNode *chain, XMLNode *next)
 {
     assert(chain);
@@ -49,14 +34,14 @@ void XMLNode::prependChild(XMLNode *child)
 
 void XMLNode::removeChild(XMLNode *child)
 {
-    XMLNode **link = findLink(this, child);
+    XMLNode **link = linkTo(child);
     if (*link)
         *link = child->nextSibling;
 }
 
 void XMLNode::replaceChild(XMLNode *oldChild, XMLNode *newChild)
 {
-    XMLNode **link = findLink(this, oldChild);
+    XMLNode **link = linkTo(oldChild);
     assert(newChild && *link);
     *link = newChild;
     newChild->nextSibling = oldChild->nextSibling;
@@ -65,16 +50,11 @@ void XMLNode::replaceChild(XMLNode *oldChild, XMLNode *newChild)
 
 void XMLNode::insertAfter(XMLNode *refChild, XMLNode *chain)
 {
-    if (!firstChild) {
-        firstChild = chain;
-        if (chain)
-            adoptChain(this, chain, nullptr);
-        return;
-    }
-    assert(refChild && refChild->parent == this && chain);
-    XMLNode *next = refChild->nextSibling;
-    refChild->nextSibling = chain;
-    adoptChain(this, chain, next);
+    assert(!firstChild || (refChild && refChild->parent == this && chain));
+    XMLNode **link = firstChild ? &refChild->nextSibling : &firstChild;
+    if (chain)
+        adoptChain(this, chain, *link);
+    *link = chain;
 }
 
 void XMLElement::setLiteral()
@@ -88,10 +68,9 @@ void XMLElement::setLiteral()
 XMLAttribute *XMLElement::findAttribute(const char *name) const
 {
     assert(name);
-    for (XMLAttribute *attribute = firstAttribute; attribute != firstAttribute + attributeCount;
-         ++attribute) {
-        if (std::strcmp(attribute->name, name) == 0)
-            return attribute;
+    for (XMLAttribute &each : std::span(firstAttribute, attributeCount)) {
+        if (std::strcmp(each.name, name) == 0)
+            return &each;
     }
     return nullptr;
 }
@@ -124,11 +103,6 @@ void XMLElement::removeAttribute(const char *name)
         std::copy(attribute + 1, firstAttribute + attributeCount, attribute);
         --attributeCount;
     }
-}
-
-bool XMLElement::hasAttribute(const char *name) const
-{
-    return findAttribute(name) != nullptr;
 }
 
 const char *XMLElement::attribute(const char *name) const

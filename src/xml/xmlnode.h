@@ -41,13 +41,7 @@ public:
     virtual void insertAfter(XMLNode *refChild, XMLNode *chain);
 
     /// The link that the next child is to hang from. Walks the chain.
-    XMLNode **childrenEnd()
-    {
-        XMLNode **link = &firstChild;
-        while (*link)
-            link = &(*link)->nextSibling;
-        return link;
-    }
+    XMLNode **childrenEnd() { return linkTo(nullptr); }
 
     Kind kind() const { return static_cast<Kind>(ownKind); }
 
@@ -56,16 +50,23 @@ public:
     XMLNode *firstChild = nullptr;
     int line = 0;  ///< where its markup began, counted from 0; set by the reader only
 
-private:
-    friend class XMLElement;
-    friend class XMLText;
-
+protected:
     explicit XMLNode(Kind nodeKind) : ownKind(static_cast<std::uint32_t>(nodeKind) & 7) {}
 
     // In XMLElement, to which they belong, the last two would make every element 8 bytes larger.
     std::uint32_t ownKind : 3;
     std::uint32_t literal : 1 = 0;
     std::uint32_t attributeCount : 28 = 0;
+
+private:
+    /// The link that \a child hangs from; the one at the end, which holds null, when it is no child.
+    XMLNode **linkTo(const XMLNode *child)
+    {
+        XMLNode **link = &firstChild;
+        while (*link && *link != child)
+            link = &(*link)->nextSibling;
+        return link;
+    }
 };
 
 /// Makes \a newParent the parent of \a chain, which is not null, and all its following siblings,
@@ -93,7 +94,7 @@ public:
 
     /// Removes the first attribute of that name, if there is one.
     virtual void removeAttribute(const char *name);
-    virtual bool hasAttribute(const char *name) const;
+    virtual bool hasAttribute(const char *name) const { return findAttribute(name); }
 
     /// The value of the first attribute of that name. Null when there is none, and also when it
     /// has no value.
@@ -127,15 +128,17 @@ public:
     /// an element of a subclass can come with some of its own, which then take over the values.
     bool addAttributes(std::span<const XMLAttribute> added)
     {
-        const bool isBare = attributeCount == 0;
-        if (isBare && !added.empty()) {
-            XMLAttribute *to = makeAttributes(added.size()).data();
-            for (const XMLAttribute &attribute : added)
-                *to++ = attribute;
+        if (attributeCount != 0) {
+            for (const XMLAttribute &each : added)
+                setAttribute(each.name, each.value);
+            return false;
         }
-        for (std::size_t i = 0; !isBare && i < added.size(); ++i)
-            setAttribute(added[i].name, added[i].value);
-        return isBare;
+        if (!added.empty()) {
+            XMLAttribute *to = makeAttributes(added.size()).data();
+            for (const XMLAttribute &each : added)
+                *to++ = each;
+        }
+        return true;
     }
 
     /// Whether no attribute value holds a '$', as far as that is known: whoever sets the values
@@ -165,13 +168,10 @@ public:
     virtual void setData(const char *data) { text = data; }
     virtual const char *data() const { return text; }
 
-private:
-    friend class XMLData;
-    friend class XMLComment;
-    friend class XMLCDATASection;
-
+protected:
     XMLText(Kind nodeKind, const char *data) : XMLNode(nodeKind), text(data) {}
 
+private:
     const char *text;
 };
 
