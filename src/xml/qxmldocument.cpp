@@ -51,26 +51,21 @@ XMLElement *QXMLDocument::copyOneExpanded(const XMLElement *source, MacroLookup 
     const auto kept = [&](std::string_view text) {
         return strings == Strings::Shared ? text.data() : copyString(text.data(), text.size());
     };
-    XMLElement *copy = createElement(source->name());
-    const bool isBare = copy->attributes().empty();
-    XMLAttribute *next =
-        isBare ? copy->makeAttributes(source->attributes().size()).data() : nullptr;
-    bool isLiteral = isBare;
+    attributes.clear();
+    bool isLiteral = true;
     for (const XMLAttribute &attribute : source->attributes()) {
         std::string_view text = attribute.value ? attribute.value : "";
-        const bool expands = !source->isLiteral() && hasReference(text, steps);
-        if (expands)
+        if (!source->isLiteral() && hasReference(text, steps)) {
             text = expanded(text, macros, steps);
-        isLiteral = isLiteral && !(expands && text.find('$') != std::string_view::npos);
+            isLiteral = isLiteral && text.find('$') == std::string_view::npos;
+        }
         const char *value = text.empty() ? nullptr : text.data();
-        if (value == attribute.value && value)
+        if (value && value == attribute.value)
             value = kept(text);
-        if (isBare)
-            *next++ = {kept(attribute.name), value};
-        else
-            copy->setAttribute(kept(attribute.name), value);
+        attributes.push_back({kept(attribute.name), value});
     }
-    if (isLiteral)
+    XMLElement *copy = createElement(source->name());
+    if (copy->addAttributes(attributes) && isLiteral)
         copy->setLiteral();
     return copy;
 }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// A document whose attribute values can hold macro references. Only the macros that are passed
 /// count, never the system macros. Where an operation has a form for a MacroLookup, that form also
@@ -46,5 +47,7 @@ private:
                                 std::uint64_t *steps);
     std::string_view expanded(std::string_view text, MacroLookup &macros, std::uint64_t *steps);
 
-    std::string expansion;  ///< of one value; a member so that its memory is used again
+    // Members so that their memory is used again.
+    std::string expansion;                 ///< of one value
+    std::vector<XMLAttribute> attributes;  ///< of one element
 };
