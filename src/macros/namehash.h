@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+#include <sys/random.h>
 
 /// A name as two numbers and its length. Of names of up to 16 bytes no two have the same, so that
 /// comparing them takes no call; of a longer one the numbers are a hash.
@@ -39,11 +40,13 @@ public:
     std::size_t hash() const { return static_cast<std::size_t>(mix(first, second ^ length)); }
 
 private:
-    /// Two random numbers of the process, one for each factor of every product.
-    static const struct Seed {
-        Seed();
-        std::uint64_t numbers[2];
-    } seed;
+    /// Two random numbers of the process, one for each factor of every product. Where there is no
+    /// randomness they are the same in every process.
+    struct Seed {
+        Seed() { [[maybe_unused]] const int result = getentropy(numbers, sizeof numbers); }
+        std::uint64_t numbers[2] = {0x9E3779B97F4A7C15, 0xD1B54A32D192ED03};
+    };
+    static inline const Seed seed;
 
     template <typename Number>
     static Number read(const char *from)
@@ -70,7 +73,14 @@ private:
 #endif
     }
 
-    static std::uint64_t hashOf(std::string_view name);
+    static std::uint64_t hashOf(std::string_view name)
+    {
+        std::uint64_t hash = 0;
+        for (; name.size() > sizeof hash; name.remove_prefix(sizeof hash))
+            hash = mix(read<std::uint64_t>(name.data()), hash);
+        // The last word overlaps the one before it.
+        return mix(read<std::uint64_t>(name.data() + name.size() - sizeof hash), hash);
+    }
 
     std::uint64_t first = 0;
     std::uint64_t second = 0;

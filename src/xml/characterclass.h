@@ -31,15 +31,12 @@ constexpr std::uint8_t classify(unsigned byte)
     return static_cast<std::uint8_t>(classes);
 }
 
-constexpr std::array<std::uint8_t, 256> makeTable()
-{
+constexpr auto table = [] {
     std::array<std::uint8_t, 256> classes{};
     for (unsigned byte = 0; byte < classes.size(); ++byte)
         classes[byte] = classify(byte);
     return classes;
-}
-
-constexpr std::array<std::uint8_t, 256> table = makeTable();
+}();
 
 constexpr bool is(std::uint8_t classes, char byte)
 {

@@ -10,21 +10,17 @@ namespace
 /// Bytes that are searched for a NUL before more is read.
 constexpr std::size_t piece = std::size_t{1} << 16;
 
-/// The size of a file, and how much of that takes room on the disk: a sparse file claims any size.
-struct FileSize {
-    std::size_t all = 0;
-    std::size_t stored = 0;
-};
-
-/// Zero where the stream's file is no regular one.
-FileSize fileSize(FILE *stream)
+/// The size of the stream's file, zero where that is no regular one. *stored receives how much of it
+/// takes room on the disk: a sparse file claims any size.
+std::size_t fileSize(FILE *stream, std::size_t *stored)
 {
     struct stat status = {};
     const int descriptor = fileno(stream);
     if (descriptor < 0 || fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))
-        return {};
-    const auto all = static_cast<std::size_t>(status.st_size);
-    return {all, std::min(all, static_cast<std::size_t>(status.st_blocks) * 512)};
+        return 0;
+    const auto size = static_cast<std::size_t>(status.st_size);
+    *stored = std::min(size, static_cast<std::size_t>(status.st_blocks) * 512);
+    return size;
 }
 
 /// Reads up to \a size bytes, but none behind the piece that holds the first NUL, and returns how
@@ -76,14 +72,14 @@ std::span<char> readText(FILE *stream, std::size_t most, Pool *pool, bool *isToo
     const std::size_t got = std::fread(first, 1, sizeof first, stream);
     if (std::ferror(stream))
         return {};
-    const FileSize file = got < sizeof first ? FileSize{} : fileSize(stream);
-    *isTooLong = std::max(got, file.all) > most;
+    std::size_t stored = 0;
+    *isTooLong = got > most || (got == sizeof first && fileSize(stream, &stored) > most);
     if (*isTooLong)
         return {};
     const std::size_t firstLength = std::string_view(first, got).find('\0');
     bool isEnd = got < sizeof first || firstLength != std::string_view::npos;
     std::size_t length = std::min(firstLength, got);
-    const std::size_t room = isEnd ? length : std::max(file.stored, length);
+    const std::size_t room = isEnd ? length : std::max(stored, length);
     char *text = allocateText(room, pool);
     std::copy_n(first, length, text);
     length += readPieces(stream, text + length, room - length, &isEnd);

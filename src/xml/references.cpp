@@ -12,11 +12,8 @@ int digitValue(char c)
 {
     if (c >= '0' && c <= '9')
         return c - '0';
-    if (c >= 'a' && c <= 'z')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'Z')
-        return c - 'A' + 10;
-    return -1;
+    const int letter = (c | 0x20) - 'a';
+    return letter >= 0 && letter < 26 ? letter + 10 : -1;
 }
 
 /// Decodes the reference that \a text begins with to its value modulo 256. Returns the bytes that it
