@@ -18,7 +18,6 @@ constexpr std::uint64_t pass = 9000;
 constexpr std::uint64_t introducer = 6500;
 constexpr std::uint64_t reference = 11000;
 constexpr std::uint64_t plainPass = 8000;
-constexpr std::uint64_t plainReference = 11000;
 constexpr std::uint64_t dateOrTime = 30000;
 constexpr std::uint64_t characterPassed = 8;
 constexpr std::uint64_t characterAppended = 18;
@@ -60,25 +59,23 @@ bool canBeBuiltin(std::string_view name)
 /// One expansion: passes over a text, each of which makes the text of the next.
 ///
 /// A pass copies what is plain and replaces what are references, from left to right, and never
-/// looks at what it has put in. Whether there is another pass over all of it is what the last
-/// reference with an opinion says: one that holds the introducer asks for it, one with "::"
-/// forbids it. So "$(u:$(a))" takes two passes, of which the first leaves "$(a)"; text may need as
-/// many as it is nested deep, or ask for another one forever: the bounds end it.
+/// looks at what it has put in. Whether another one follows is what the last reference with an
+/// opinion says: one that holds the introducer asks for it, one with "::" forbids it. So
+/// "$(u:$(a))" takes two passes, of which the first leaves "$(a)". Text can ask forever: the bounds
+/// end it.
 ///
 /// An unterminated reference, "$(" without the parenthesis that balances it, loses its introducer,
-/// and the scan goes on behind that. But what it would have held, the whole rest of the text, has
-/// the same opinions. If each of many such references searched the rest for its end, and for what
-/// it holds, a pass would take quadratic time. So the first one that is met looks through the rest
-/// once, from the end, and notes at every parenthesis that nothing closes what its reference says.
-/// A reference that does end is searched once: the scan goes on behind it. A pass is thus linear
-/// in its text and what it puts in.
+/// and the scan goes on behind that. But what it would have held, the rest of the text, has the same
+/// opinions. If each of many such references searched the rest, a pass would take quadratic time. So
+/// the first one that is met looks through the rest once, from the end, and notes at every
+/// parenthesis that nothing closes what its reference says. A reference that does end is searched
+/// once, so a pass is linear in its text and what it puts in.
 class Expansion
 {
 public:
-    Expansion(MacroLookup *lookup, const MacroValues &values, std::string *target)
+    Expansion(MacroLookup *lookup, const MacroValues &rules, std::string *target)
         : macros(*lookup),
-          introducer(values.macroIntroducer),
-          limits(values.limits),
+          values(rules),
           result(*target)
     {
     }
@@ -86,13 +83,13 @@ public:
     /// Leaves the expansion of \a text in the target. Returns what it cost, in steps.
     std::uint64_t run(std::string_view text)
     {
-        longest = std::max(limits.length, text.size());
+        longest = std::max(values.limits.length, text.size());
         std::string working;
         std::size_t rescanned = 0;
         for (int passes = 1;; ++passes) {
             runPass(text);
-            if (!rescan || result == text || passes >= limits.passes ||
-                rescanned >= limits.rescanned)
+            if (!rescan || result == text || passes >= values.limits.passes ||
+                rescanned >= values.limits.rescanned)
                 return cost / 1000;
             working.swap(result);
             text = working;
@@ -111,8 +108,7 @@ private:
     void append(std::string_view piece);
 
     MacroLookup &macros;
-    const char introducer;
-    const MacroValues::Limits &limits;
+    const MacroValues &values;
     std::string &result;
     std::size_t longest = 0;
     std::uint64_t cost = 0;  ///< in picoseconds
@@ -126,7 +122,8 @@ void Expansion::runPass(std::string_view text)
     rescan = false;
     unclosed.clear();
     for (std::size_t position = 0; position < text.size();) {
-        const std::size_t found = std::min(text.find(introducer, position), text.size());
+        const std::size_t found =
+            std::min(text.find(values.macroIntroducer, position), text.size());
         append(text.substr(position, found - position));
         position = found + 1;
         if (found == text.size())
@@ -160,7 +157,7 @@ std::size_t Expansion::passReference(std::string_view text, std::size_t opening)
             depth += c == '(';
             if (c == ':')
                 colon = std::min(colon, i + 1 - opening);
-            isNested = isNested || c == introducer;
+            isNested = isNested || c == values.macroIntroducer;
         }
         noteUnclosed(text, opening);
     }
@@ -187,7 +184,7 @@ void Expansion::noteUnclosed(std::string_view text, std::size_t from)
             unclosed[i] = forbids ? Unclosed::Forbids : asks ? Unclosed::Asks : Unclosed::Silent;
         else if (c == ':')
             forbids = text.substr(i + 1).starts_with(':');
-        asks = asks || c == introducer;
+        asks = asks || c == values.macroIntroducer;
     }
 }
 
@@ -231,6 +228,40 @@ std::size_t endOfPlain(std::string_view text, char introducer, std::size_t *colo
     return end;
 }
 
+/// MacroValues::expandPlain() that adds to the cost, in picoseconds.
+std::size_t plainExpansion(MacroLookup &macros, std::string_view text, char introducer,
+                           std::span<char> room, std::uint64_t *cost)
+{
+    std::size_t used = 0;
+    const auto append = [&](std::string_view piece) {
+        if (piece.size() > room.size() - used)
+            return false;
+        std::memmove(room.data() + used, piece.data(), piece.size());
+        used += piece.size();
+        *cost += (price::characterPassed + price::characterAppended) * piece.size();
+        return true;
+    };
+    for (;;) {
+        const std::size_t found = std::min(text.find(introducer), text.size());
+        if (!append(text.substr(0, found)))
+            return MacroValues::notPlain;
+        text.remove_prefix(found);
+        if (text.empty())
+            return used;
+        std::size_t colon = std::string_view::npos;
+        const std::size_t end = endOfPlain(text, introducer, &colon);
+        *cost += price::characterInReference * end;
+        if (end == text.size() || text[end] != ')')
+            return MacroValues::notPlain;
+        auto [name, value, hasTwoColons] = partsOf(text.substr(0, end + 1), colon);
+        *cost += price::reference;
+        macros.find(name, &value);
+        if (canBeBuiltin(name) || !append(value))
+            return MacroValues::notPlain;
+        text.remove_prefix(end + 1);
+    }
+}
+
 }  // namespace
 
 std::string MacroValues::expandMacros(const MacroMap &macros, std::string_view text,
@@ -254,35 +285,9 @@ std::size_t MacroValues::expandPlain(MacroLookup &macros, std::string_view text,
 {
     if (room.empty())
         return notPlain;
-    std::size_t used = 0;
-    const std::size_t most = std::min(room.size(), limits.length);
-    const auto append = [&](std::string_view piece) {
-        if (piece.size() > most - used)
-            return false;
-        std::memmove(room.data() + used, piece.data(), piece.size());
-        used += piece.size();
-        return true;
-    };
     std::uint64_t cost = price::plainPass;
-    bool isPlain = true;
-    for (std::string_view rest = text; isPlain && !rest.empty();) {
-        const std::size_t found = std::min(rest.find(macroIntroducer), rest.size());
-        isPlain = append(rest.substr(0, found));
-        rest.remove_prefix(found);
-        if (!isPlain || rest.empty())
-            break;
-        std::size_t colon = std::string_view::npos;
-        const std::size_t end = endOfPlain(rest, macroIntroducer, &colon);
-        cost += price::characterInReference * end;
-        isPlain = end < rest.size() && rest[end] == ')';
-        if (!isPlain)
-            break;
-        auto [name, value, hasTwoColons] = partsOf(rest.substr(0, end + 1), colon);
-        cost += price::plainReference;
-        macros.find(name, &value);
-        isPlain = !canBeBuiltin(name) && append(value);
-        rest.remove_prefix(end + 1);
-    }
-    *steps += (cost + (price::characterPassed + price::characterAppended) * used) / 1000;
-    return isPlain ? used : notPlain;
+    const std::size_t most = std::min(room.size(), limits.length);
+    const std::size_t used = plainExpansion(macros, text, macroIntroducer, room.first(most), &cost);
+    *steps += cost / 1000;
+    return used;
 }

@@ -70,12 +70,3 @@ std::uint64_t MacroScopes::setList(std::string_view list)
     });
     return steps;
 }
-
-void MacroScopes::leave(std::size_t changesBefore, std::size_t textBefore)
-{
-    assert(changes.size() >= changesBefore && text.size() >= textBefore);
-    for (; changes.size() > changesBefore; changes.pop_back())
-        changes.back().macro->value = changes.back().before;
-    text.resize(textBefore);
-    --depth;
-}

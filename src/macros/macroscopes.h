@@ -3,6 +3,7 @@
 #include "macromap.h"
 #include "namehash.h"
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -14,14 +15,13 @@
 /// and gone when it is left. Nothing here fails; memory that cannot be had throws std::bad_alloc.
 ///
 /// There is one table for all levels, which holds for each name what the innermost level that
-/// knows it says. Beside it stands a log of what to put back: the first time that a level changes
-/// a macro, what it was goes into the log, and on leaving the level the log is gone through from
-/// its newest entry down to where the level began. So a look-up is one look-up however deep the
-/// levels are, and a level costs what it defines and nothing else. The values are a stack of text
-/// that grows and shrinks with the log; redefining a macro on its own level overwrites a value that
-/// nobody can ask for again, or, where that is too short, takes twice its room. A name that is
-/// undone to "not defined" keeps its place in the table: the log can point there, and bodies that
-/// define it tend to come again.
+/// knows it says, and a log of what to put back: the first time that a level changes a macro, what
+/// it was goes into the log, and leaving the level undoes its part of the log, the newest entry
+/// first. So a look-up is one look-up however deep the levels are, and a level costs what it defines.
+/// The values are a stack of text that grows and shrinks with the log; redefining a macro on its own
+/// level overwrites a value that nobody can ask for again, or, where that is too short, takes twice
+/// its room. A name that is undone to "not defined" keeps its place in the table: the log can point
+/// there, and bodies that define it tend to come again.
 class MacroScopes final : public MacroLookup
 {
 public:
@@ -42,7 +42,15 @@ public:
         {
             ++scopes.depth;
         }
-        ~Scope() { scopes.leave(changesBefore, textBefore); }
+        ~Scope()
+        {
+            auto &changes = scopes.changes;
+            assert(changes.size() >= changesBefore && scopes.text.size() >= textBefore);
+            for (; changes.size() > changesBefore; changes.pop_back())
+                changes.back().macro->value = changes.back().before;
+            scopes.text.resize(textBefore);
+            --scopes.depth;
+        }
         Scope(const Scope &) = delete;
         Scope &operator=(const Scope &) = delete;
 
@@ -111,7 +119,6 @@ private:
     }
     Macro &findOrAdd(std::string_view name);
     void define(std::string_view name, std::string_view newValue);
-    void leave(std::size_t changesBefore, std::size_t textBefore);
 
     MacroMap &outermost;
     std::deque<Macro> macros;

@@ -17,11 +17,6 @@ MacroValues::MacroValues()
 {
 }
 
-void MacroValues::setSystemMacro(std::string_view name, std::string_view value)
-{
-    systemMacros.insert_or_assign(std::string(name), value);
-}
-
 std::vector<std::string> MacroValues::splitMacroList(std::string_view text, bool keepEmpty)
 {
     std::vector<std::string> items;

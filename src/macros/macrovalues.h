@@ -20,15 +20,16 @@ public:
     MacroValues();
 
     /// Defines a system macro, replacing any earlier value.
-    void setSystemMacro(std::string_view name, std::string_view value);
+    void setSystemMacro(std::string_view name, std::string_view value)
+    {
+        systemMacros.insert_or_assign(std::string(name), value);
+    }
 
-    /// Cuts the form of the list that documents use at every ';'. A backslash takes the
-    /// character after it literally, whatever it is; the last character of the text stands for
-    /// itself. Nothing is trimmed. Empty items are dropped unless \a keepEmpty.
+    /// The items of a list as documents write it (see forEachListItem()). Nothing is trimmed. Empty
+    /// items are dropped unless \a keepEmpty.
     static std::vector<std::string> splitMacroList(std::string_view text, bool keepEmpty);
 
-    /// Defines each item's text before the first '=' as its text after it, later items winning.
-    /// An item without '=' is all name and has the empty value.
+    /// Defines what each item says (see nameAndValue()), later items winning.
     static MacroMap parseMacroList(const std::vector<std::string> &items);
 
     /// \a base with every entry of \a overrides set on it.
