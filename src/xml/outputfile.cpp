@@ -13,7 +13,7 @@
 namespace
 {
 
-/// Everything before the last component of \a path, the '/' included.
+/// What stands before the last component of \a path, the '/' included.
 std::string directoryOf(const std::string &path)
 {
     return path.substr(0, path.rfind('/') + 1);

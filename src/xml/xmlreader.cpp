@@ -63,12 +63,6 @@ XMLReader::Span XMLReader::readName()
     return name;
 }
 
-/// The text between the quote at \a quote and the next one, or the end.
-inline XMLReader::Span XMLReader::quotedAt(char *quote)
-{
-    return {quote + 1, findByte('"', quote + 1)};
-}
-
 XMLNode *XMLReader::read()
 {
     const CurrentPool current(document);
@@ -134,7 +128,7 @@ bool XMLReader::readDeclarationValue(const Span &name)
         result = nullptr;
         return false;
     }
-    const Span value = quotedAt(position);
+    const Span value{position + 1, findByte('"', position + 1)};
     position = passSpace(passByte(value.end));
     if (name.view() == "version")
         document->version = XMLDocument::copyString(value.start, value.length());
@@ -236,7 +230,7 @@ inline char *XMLReader::readAttribute(char *from)
     at = passSpace(at + 1);
     if (*at != '"')
         return at;
-    const Span value = quotedAt(at);
+    const Span value{at + 1, findByte('"', at + 1)};
     at = passSpace(passByte(value.end));
     lineAt(at);
     *name.end = '\0';
@@ -288,13 +282,6 @@ XMLElement *XMLReader::makeElement(const Span &name)
     return element;
 }
 
-/// Ends the string before \a end, which was read and is not needed any more, with a NUL.
-inline void XMLReader::endAt(char *end)
-{
-    lineAt(end);
-    *end = '\0';
-}
-
 /// An end tag, or the end of an empty-element tag, from its '/'.
 bool XMLReader::readEndTag()
 {
@@ -316,15 +303,6 @@ bool XMLReader::readEndTag()
         closeElement(element);
     }
     return true;
-}
-
-/// Links \a element, behind whose end the read stands, to the innermost open element.
-inline void XMLReader::closeElement(XMLElement *element)
-{
-    if (open.empty())
-        result = element;
-    else
-        append(element, element->line);
 }
 
 void XMLReader::readCharacterData()

@@ -15,12 +15,12 @@ class XMLDocument;
 /// first error. The nodes go into the document's pool. What XML 1.0 has and this reader has not is
 /// passed over as character data; it never fails but for the two errors below.
 ///
-/// The text lies in that pool too, and the reader takes it over: names and values stay where they
-/// are, the nodes point to them. Nearly all of a document is names and values, and what a large one
-/// costs is the first touch of its memory, so copies would cost as much again as reading does.
+/// The text lies in that pool too, and the reader takes it over: the nodes point to the names and
+/// values where they stand. Those are nearly all of a document, and what a large one costs is the
+/// first touch of its memory, so copies would cost as much again as reading does.
 ///
 /// A string needs a NUL behind it, which overwrites what stands there: a quote, a '=', a '>', white
-/// space. endAt() is the one place that does so, and these rules make it right:
+/// space. endAt() does so, and these rules make it right:
 /// - A byte is overwritten once it was read, and nothing reads it again: the reader never looks
 ///   back, and who still needs the byte keeps it in a local. The '>' of "<a>" ends the tag and
 ///   the name both, so an element's name is ended when its tag was read.
@@ -70,13 +70,24 @@ private:
     void readCharacterData();
 
     Span readName();
-    static Span quotedAt(char *quote);
 
     void setAttribute(const Span &name, const char *value);
     void setIndexedAttribute(std::string_view name, const char *value);
     XMLElement *makeElement(const Span &name);
-    void closeElement(XMLElement *element);
-    void endAt(char *end);
+    /// Links \a element, behind whose end the read stands, to the innermost open element.
+    void closeElement(XMLElement *element)
+    {
+        if (open.empty())
+            result = element;
+        else
+            append(element, element->line);
+    }
+    /// Ends the string before \a end, which was read and is not needed any more, with a NUL.
+    void endAt(char *end)
+    {
+        lineAt(end);
+        *end = '\0';
+    }
     void append(XMLNode *node, int line);
     bool fail(const char *message)
     {
@@ -84,8 +95,7 @@ private:
         return false;
     }
 
-    /// The newlines up to and including \a where, or up to whatever was asked for before, if that
-    /// lies behind it.
+    /// The newlines up to and including \a where, or what was asked for before, if that lies behind.
     int lineAt(const char *where)
     {
         if (nextNewline <= where)
