@@ -44,10 +44,10 @@ public:
         }
         ~Scope()
         {
-            auto &changes = scopes.changes;
-            assert(changes.size() >= changesBefore && scopes.text.size() >= textBefore);
-            for (; changes.size() > changesBefore; changes.pop_back())
-                changes.back().macro->value = changes.back().before;
+            std::vector<Change> &log = scopes.changes;
+            assert(log.size() >= changesBefore && scopes.text.size() >= textBefore);
+            for (; log.size() > changesBefore; log.pop_back())
+                log.back().macro->value = log.back().before;
             scopes.text.resize(textBefore);
             --scopes.depth;
         }
