@@ -8,10 +8,9 @@
 class BinaryExpression;
 enum class BinaryOperator;
 
-/// A node of the tree that a parser makes of an expression. It owns its children; a node that asks
-/// a parser for something only points to that parser, which must live as long as the node is
-/// evaluated. A node does not change once it is made, and none of its children is null. Evaluating
-/// throws ParserException where the expression has no value; dumping and releasing do not fail.
+/// A node of the tree that a parser makes of an expression. It owns its children, none of which is
+/// null, and does not change once it is made. A parser that it points to must live as long as it is
+/// evaluated. Evaluating throws ParserException where there is no value; dumping does not fail.
 ///
 /// A class of nodes needs evaluate() and dump(), and a height where it has children.
 class Expression
@@ -113,7 +112,6 @@ public:
     ExpressionValue value;
 };
 
-/// A signed constant of 8 bytes.
 class IntegerConstantExpression : public ConstantExpression
 {
 public:
@@ -124,7 +122,6 @@ public:
     }
 };
 
-/// A constant of double precision.
 class FloatConstantExpression : public ConstantExpression
 {
 public:
@@ -145,7 +142,7 @@ public:
 };
 
 /// Stands for a node that another one owns, and must not outlive it: in "a += 1" the assignment owns
-/// the target, and the addition refers to it through a node of this class.
+/// the target, and the addition refers to it through this.
 class SharedExpression : public TreeExpression
 {
 public:

@@ -49,9 +49,8 @@ public:
     }
     virtual ~ExpressionParser() = default;
 
-    /// The tree of \a text; null for an empty text. *position receives where reading stopped, the
-    /// index behind the last token looked at, unless reading throws. The tree points to this
-    /// parser, which must outlive its evaluation.
+    /// The tree of \a text, which points to this parser; null for an empty text. *position receives
+    /// where reading stopped, the index behind the last token looked at, unless reading throws.
     std::unique_ptr<Expression> parse(const char *text, std::size_t *position = nullptr);
     /// The value of \a text; the void value for an empty text. *position as in parse().
     ExpressionValue evaluate(const char *text, std::size_t *position = nullptr);

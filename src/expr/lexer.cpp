@@ -131,8 +131,7 @@ std::uint64_t takeBase(std::string_view *text)
         return 10;
     text->remove_prefix(1);
     const std::uint64_t base = text->starts_with('x') ? 16 : text->starts_with('b') ? 2 : 8;
-    if (base != 8)
-        text->remove_prefix(1);
+    text->remove_prefix(base == 8 ? 0 : 1);
     return base;
 }
 

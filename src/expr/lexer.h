@@ -85,9 +85,9 @@ struct LexerToken {
 std::uint64_t readNumber(std::string_view text);
 
 /// Cuts the text of an expression into tokens, by an ordered list of rules: where several match, the
-/// first wins, even against a longer match. Text is Latin-1, and a token is a range of it: making
-/// one allocates nothing. What no rule matches ends in a ParserException, with the position at the
-/// offending character. Making a lexer costs nothing either; one thread at a time.
+/// first wins, even against a longer match. Text is Latin-1, and a token is a range of it. What no
+/// rule matches ends in a ParserException, with the position at the offending character. One thread
+/// at a time; making a lexer or a token allocates nothing.
 class Lexer
 {
 public:

@@ -3,9 +3,8 @@
 #include <string>
 #include <utility>
 
-/// The one way in which this library fails: text that is no expression, and an expression that
-/// has no value. It leaves the library through parse() and evaluate() only; the three operations
-/// of SimpleExpressionParser turn it into a flag.
+/// The one way in which this library fails: text that is no expression, or has no value. The three
+/// operations of SimpleExpressionParser turn it into a flag.
 class ParserException
 {
 public:

@@ -96,9 +96,8 @@ TreeParser::Node TreeParser::parsePrimary()
     case Token::LeftParenthesis:
         return parseParenthesis();
     case Token::Increment:
-        return parsePrefixStep(Token::PlusAssign);
     case Token::Decrement:
-        return parsePrefixStep(Token::MinusAssign);
+        return parsePrefixStep();
     case Token::Tilde:
         return parseUnaryOperator<BitNotExpression>();
     case Token::Exclamation:
@@ -189,17 +188,20 @@ TreeParser::Node TreeParser::parseParenthesis()
                 : std::move(inner);
 }
 
-TreeParser::Node TreeParser::parsePrefixStep(Token::Kind assignment)
+TreeParser::Node TreeParser::parsePrefixStep()
 {
+    const Token::Kind sign = lexer.kind();
     lexer.next();
     const std::size_t sizeBefore = size;
     Node target = parseUnary();
-    return makeStep(assignment, std::move(target), size - sizeBefore);
+    return makeStep(sign, std::move(target), size - sizeBefore);
 }
 
-TreeParser::Node TreeParser::makeStep(Token::Kind assignment, Node target, std::size_t targetSize)
+/// What ++ or -- makes of \a target.
+TreeParser::Node TreeParser::makeStep(Token::Kind sign, Node target, std::size_t targetSize)
 {
-    return combine(assignment, std::move(target), make<IntegerConstantExpression>(1), targetSize);
+    const Token::Kind kind = sign == Token::Increment ? Token::PlusAssign : Token::MinusAssign;
+    return combine(kind, std::move(target), make<IntegerConstantExpression>(1), targetSize);
 }
 
 template <typename Operator, typename... Arguments>
@@ -230,11 +232,8 @@ TreeParser::Node TreeParser::parsePostfix(Node base, std::size_t sizeBefore)
             base = parseMember(std::move(base));
             break;
         case Token::Increment:
-            base = makeStep(Token::PlusAssign, std::move(base), size - sizeBefore);
-            lexer.next();
-            break;
         case Token::Decrement:
-            base = makeStep(Token::MinusAssign, std::move(base), size - sizeBefore);
+            base = makeStep(lexer.kind(), std::move(base), size - sizeBefore);
             lexer.next();
             break;
         case Token::LeftParenthesis:

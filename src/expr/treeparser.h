@@ -60,7 +60,7 @@ private:
     Node parseAddressofLine();
     Node parseName(bool rooted);
     Node parseParenthesis();
-    Node parsePrefixStep(Token::Kind assignment);
+    Node parsePrefixStep();
     template <typename Operator, typename... Arguments>
     Node parseUnaryOperator(Arguments... arguments);
     Node parseDereference();
@@ -69,7 +69,7 @@ private:
     Node parseCall(Node base);
 
     Node combine(Token::Kind kind, Node left, Node right, std::size_t leftSize);
-    Node makeStep(Token::Kind assignment, Node target, std::size_t targetSize);
+    Node makeStep(Token::Kind sign, Node target, std::size_t targetSize);
 
     // The type of a cast, behind the opening parenthesis; see typereader.cpp.
     Type readType();
