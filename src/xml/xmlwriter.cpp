@@ -119,6 +119,11 @@ inline char *XMLWriter::appendEscaped(char *to, const char *text)
     }
 }
 
+void XMLWriter::writeEscaped(const char *text)
+{
+    flush(appendEscaped(buffer, text));
+}
+
 char *XMLWriter::appendStartTag(char *to, const XMLElement *element)
 {
     to = appendText(append(to, "<"), element->name());

@@ -39,7 +39,7 @@ public:
     void writeNode(const XMLNode *node, long long depth) { flush(appendTree(buffer, node, depth)); }
 
     /// \a text, which can be null, in printable ASCII: all other bytes as references.
-    void writeEscaped(const char *text) { flush(appendEscaped(buffer, text)); }
+    void writeEscaped(const char *text);
 
 private:
     static constexpr std::size_t bufferSize = std::size_t{1} << 16;
