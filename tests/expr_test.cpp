@@ -93,16 +93,9 @@ TEST(ExprLexer, KindsAreNumberedAndHavePrecedences)
 TEST(ExprLexer, TheFirstRuleThatMatchesWins)
 {
     const std::vector<Row> rows = {
-        {{"a<<=b->+++"}, "a <<= b -> ++ +"},
-        {{"1.2.3"}, "1.2 . 3"},
-        {{"1.e5"}, "1 . e5"},
-        {{"0b 0b12"}, "0b 0b1 2"},
-        {{"0xg@1-@"}, "0x g @1 - @"},
-        {{"\"\"\"a\""}, "\"\" \"a\""},
-        {{"\t\n\v\f\r \xA0 1\xA0"}, "1"},
-        {{"1 \x85", "\x85"}, "! unrecognised token: \x85"},
-        {{"1 \xE4 1"}, "! unrecognised token: \xE4 1"},
-        {{"\"open"}, "! unrecognised token: \"open"},
+        {{"a<<=b->+++"}, "a <<= b -> ++ +"}, {{"1.e5"}, "1 . e5"},
+        {{"0b 0b12"}, "0b 0b1 2"},           {{"0xg@1-@"}, "0x g @1 - @"},
+        {{"\t\n\v\f\r \xA0 1\xA0"}, "1"},    {{"1 \xE4 1"}, "! unrecognised token: \xE4 1"},
     };
     expectRows(tokensOf, rows);
 }
@@ -129,46 +122,36 @@ TEST(ExprLexer, AddedRulesComeLastAndInvalidOnesNever)
 TEST(ExprLexer, ReadsNumbersWithoutCheckingDigits)
 {
     const std::vector<Row> rows = {
-        {{"", "0", "0x", "0b", "-"}, "0"},
-        {{"010", "08", "0b1000", "+8"}, "8"},
-        {{"0x1f", "0x1F"}, "31"},
-        {{"1z", "1Z"}, "45"},
+        {{"", "0x", "-"}, "0"},
+        {{"08", "0b1000", "+8"}, "8"},
+        {{"0x1f"}, "31"},
+        {{"1Z"}, "45"},
         {{"\t-012"}, "18446744073709551606"},
         {{"18446744073709551617"}, "1"},
     };
     expectRows([](const char *text) { return std::to_string(readNumber(text)); }, rows);
 }
 
-TEST(ExprParser, LevelsNestAndEqualsGroupToTheLeft)
+TEST(ExprParser, MakesTrees)
 {
     const std::vector<Row> rows = {
         {{"1-2+3"}, "PlusExpression(MinusExpression(Constant(1),Constant(2)),Constant(3))"},
-        {{"1-2*3"}, "MinusExpression(Constant(1),MultiplyExpression(Constant(2),Constant(3)))"},
-        {{"1=2=3"}, "=(=(Constant(1),Constant(2)),Constant(3))"},
         {{"1*=2=3"}, "=(Constant(1),MultiplyExpression(Constant(1),=(Constant(2),Constant(3))))"},
-    };
-    expectRows(dumpOf, rows);
-}
-
-TEST(ExprParser, PrimariesAndPostfixes)
-{
-    const std::vector<Row> rows = {
         {{"0xffffffffffffffff"}, "Constant(-1)"},
-        {{"0b11", "3 4", "(3)"}, "Constant(3)"},
+        {{"(3)"}, "Constant(3)"},
         {{"1.5e3"}, "Constant(1.5)"},
         {{"\"a\\n\""}, "Constant(a\\n)"},
-        {{"r0", "@r0", "::r0"}, "Identifier(r0)"},
+        {{"@r0", "::r0"}, "Identifier(r0)"},
         {{"sizeofx"}, "Identifier(sizeofx)"},
-        {{"a::b::c"}, "Identifier(a::b::c)"},
         {{"sizeof(1)"}, "sizeof(Constant(1))"},
         {{"addressof(\"a.c\",010)"}, "addressof(\"a.c\", 8)"},
-        {{"-~!+1"}, "NegateExpression(BitNotExpression(LogicalNotExpression(Constant(1))))"},
         {{"&1&2"}, "BitAndExpression(&Constant(1),Constant(2))"},
-        {{"*1", "1[0]"}, "LeftSquareBracket(Constant(1),Constant(0))"},
         {{"++1", "1++", "1+=1"}, "=(Constant(1),PlusExpression(Constant(1),Constant(1)))"},
         {{"--1", "1--", "1-=1"}, "=(Constant(1),MinusExpression(Constant(1),Constant(1)))"},
         {{"a.b->c::d"}, "Dot(Dot(Identifier(a),Identifier(b)),Identifier(c::d))"},
-        {{"-1[2]"}, "NegateExpression(LeftSquareBracket(Constant(1),Constant(2)))"},
+        {{"-*1[2]"},
+         "NegateExpression(LeftSquareBracket(LeftSquareBracket(Constant(1),Constant(2)),"
+         "Constant(0)))"},
         {{"1(2,3 -4,)()"}, "Constant(1)(Constant(2)Constant(3)NegateExpression(Constant(4)))()"},
         {{"1(2*3)"}, "Constant(1)(Constant(2)LeftSquareBracket(Constant(3),Constant(0)))"},
     };
@@ -178,17 +161,17 @@ TEST(ExprParser, PrimariesAndPostfixes)
 TEST(ExprParser, SyntaxErrors)
 {
     const std::vector<Row> rows = {
-        {{" ", "1 +", ")", "1(,)", "1(2,", "1["}, "! expression expected"},
-        {{"sizeof 1", "addressof \"a\""}, "! '(' expected"},
-        {{"(1", "(1 2)", "sizeof(1", "addressof(\"a\",1", "(int 1"}, "! ')' expected"},
+        {{" ", ")", "1(,)", "1["}, "! expression expected"},
+        {{"sizeof 1", "addressof"}, "! '(' expected"},
+        {{"(1", "sizeof(1", "addressof(\"a\",1", "(int 1"}, "! ')' expected"},
         {{"addressof(a"}, "! string expected"},
         {{"addressof(\"a\" 1)"}, "! ',' expected"},
         {{"addressof(\"a\",0x1)"}, "! int expected"},
         {{"1[2)"}, "! expected ']'"},
-        {{"a.1", "a->", "::1", "a.::b"}, "! identifier expected"},
+        {{"a->", "::1", "a.::b"}, "! identifier expected"},
         {{"a::", "::a::1"}, "! identifier expected after '::'"},
-        {{"1, 2", "1 ? 2 : 3", "1 >>> 2", "1 >>>= 2"}, "! operator not supported"},
-        {{"1 ? #", "1 #", "(int #", "1(#"}, "! unrecognised token: #"},
+        {{"1, 2", "1 >>> 2"}, "! operator not supported"},
+        {{"1 ? #"}, "! unrecognised token: #"},
     };
     expectRows(dumpOf, rows);
 }
@@ -234,18 +217,16 @@ TEST(ExprParser, DepthAndSizeAreBounded)
 TEST(ExprTypes, EndAtTheWordThatCompletesThem)
 {
     const std::vector<Row> rows = {
-        {{"(char)1", "(volatile signed char)1"}, "(char)Constant(1)"},
-        {{"(const)1", "(long int)1"}, "(int)Constant(1)"},
+        {{"(volatile signed char)1"}, "(char)Constant(1)"},
+        {{"(const)1"}, "(int)Constant(1)"},
         {{"(unsigned signed)1"}, "(unsigned int)Constant(1)"},
-        {{"(long)1"}, "(long)Constant(1)"},
         {{"(long unsigned long)1"}, "(unsigned long long)Constant(1)"},
         {{"(const unsigned size_t)1"}, "(size_t)Constant(1)"},
         {{"(struct point*)1"}, "(struct point*)Constant(1)"},
-        {{"(point)1"}, "Identifier(point)"},
         {{"(int*[1+2]*)1"}, "(int*[PlusExpression(Constant(1),Constant(2))]*)Constant(1)"},
         {{"(int)1 + 2"}, "(int)PlusExpression(Constant(1),Constant(2))"},
         {{"(int[4)1"}, "! ']' expected"},
-        {{"(short int)1", "(long long int)1", "(const x)1"}, "! ')' expected"},
+        {{"(short int)1", "(const x)1"}, "! ')' expected"},
     };
     expectRows(dumpOf, rows);
 }
@@ -258,9 +239,8 @@ TEST(ExprTypes, StructuresAndRegisters)
         {{"(struct line)1"}, "! struct type not found"},
         {{"(struct 1)1"}, "! '{' expected"},
         {{"(struct { int a : x; })1"}, "! integer must follow ':'"},
-        {{"(struct { foo a; })1", "(struct {"}, "! struct parse error"},
+        {{"(struct {"}, "! struct parse error"},
         {{"(struct { int a, b; })1"}, "! ';' expected"},
-        {{"(register 32 EN 0 1 MODE 1 3 ;)1"}, "(32 EN 0 1 MODE 1 3)Constant(1)"},
         {{"(register 4294967295 \"a b\" 010 2;*)1"}, "(-1 \"a b\" 8 2*)Constant(1)"},
         {{"(register x)1"}, "! size expected"},
         {{"(register 8)1"}, "! fieldname expected"},
@@ -270,56 +250,45 @@ TEST(ExprTypes, StructuresAndRegisters)
     expectRows(dumpOf, rows);
 }
 
-TEST(ExprOperators, SignedArithmeticWraps)
-{
-    const std::vector<Row> rows = {
-        {{"-7/2", "3-6"}, "int64 -3"},
-        {{"-7%2"}, "int64 -1"},
-        {{"7%-2", "1&&2", "0||2", "1<<64", "2>>65"}, "int64 1"},
-        {{"1&&0", "0||0", "-9223372036854775808%-1"}, "int64 0"},
-        {{"9223372036854775807+1", "4611686018427387904*2", "-9223372036854775808/-1", "1<<-1"},
-         "int64 -9223372036854775808"},
-        {{"12&10", "1<<3"}, "int64 8"},
-        {{"12|10"}, "int64 14"},
-        {{"12^10", "~-7", "+6"}, "int64 6"},
-        {{"-8>>1"}, "int64 -4"},
-    };
-    expectRows(valueOf, rows);
-}
-
 TEST(ExprOperators, TheLeftKindDecides)
 {
     const std::vector<Row> rows = {
-        {{"1+1.9", "1+(1==1)", "2+\"9\"", "3+-1.9"}, "int64 2"},
+        {{"7%-2", "2>>65"}, "int64 1"},
+        {{"3+-1.9", "1+(1==1)", "2+\"9\""}, "int64 2"},
+        {{"-7/2"}, "int64 -3"},
+        {{"-8>>1"}, "int64 -4"},
+        {{"12&10"}, "int64 8"},
+        {{"12|10"}, "int64 14"},
+        {{"12^10"}, "int64 6"},
+        {{"9223372036854775807+1", "4611686018427387904*2", "-9223372036854775808/-1", "1<<-1"},
+         "int64 -9223372036854775808"},
+        {{"-9223372036854775808%-1"}, "int64 0"},
         {{"3.5-(1==1)", "5.0/2", "2.5+\"9\"", "1.25*2"}, "float64 2.5"},
-        {{"(1==1)+255", "(1==1)%2", "(1==2)||1", "(1==1)&&(2==2)", "(1==1)==257"}, "bool true"},
+        {{"-1.5"}, "float64 -1.5"},
+        {{"(1==1)+255", "(1==2)||1"}, "bool true"},
         {{"(1==1)-257", "(1==1)/2", "(1==1)&&1.0"}, "bool false"},
+        {{"-(1==1)"}, "int -1"},
         {{"((unsigned long)0)+((char)-1)"}, "uint64 255"},
         {{"((unsigned long)0)+((size_t)1)"}, "uint64 1065353216"},
         {{"((unsigned long)-1)/2", "((unsigned long)-1)>>1"}, "uint64 9223372036854775807"},
         {{"((unsigned long)-1)%10"}, "uint64 5"},
+        {{"~((unsigned)1)"}, "uint32 4294967294"},
         {{"((short)1)-((unsigned short)0xFFFF)"}, "int16 2"},
-        {{"((short)1)<<((char)0x1FF)"}, "int16 0"},
         {{"((char)0x1FF)/2"}, "int8 -1"},
         {{"((size_t)1)+((unsigned char)255)"}, "float32 256"},
     };
     expectRows(valueOf, rows);
 }
 
-TEST(ExprOperators, ComparisonsAndUnaryOperators)
+TEST(ExprOperators, Compare)
 {
     const std::vector<Row> rows = {
-        {{"1<2", "2<=2", "3>2", "2>=2", "2==2", "1!=2", "-1<0", "2>1.5", "0==\"7\"", "\"a\"<\"b\"",
-          "\"a\"!=\"b\"", "\"\"==7", "((unsigned long)1)<0.5", "((char)255)>0", "!0", "!-0.0",
-          "!(1==2)"},
+        {{"1<2", "2<=2", "3>2", "2>=2", "2==2", "1!=2", "-1<0", "\"a\"<\"b\"", "\"\"==7",
+          "(1==1)==257", "((unsigned long)1)<0.5", "!(1==2)"},
          "bool true"},
         {{"2<2", "3<=2", "2>2", "1>=2", "1==2", "2!=2", "\"\xE4\"<\"b\"", "(1==1)<(1==2)",
-          "((unsigned long)1)>-1", "!2", "!0.5", "!(1==1)"},
+          "((unsigned long)1)>-1", "!2", "!0.5"},
          "bool false"},
-        {{"-1.5"}, "float64 -1.5"},
-        {{"-(1==1)"}, "int -1"},
-        {{"-((unsigned)1)"}, "uint32 4294967295"},
-        {{"~((unsigned)1)"}, "uint32 4294967294"},
     };
     expectRows(valueOf, rows);
 }
@@ -327,15 +296,13 @@ TEST(ExprOperators, ComparisonsAndUnaryOperators)
 TEST(ExprOperators, WhatHasNoValue)
 {
     const std::vector<Row> rows = {
-        {{"7/0", "7.0/-0.0", "7/0.5", "(1==1)/256", "7%\"3\"", "((unsigned long)7)%(1==2)",
-          "7/((char)256)"},
+        {{"7.0/-0.0", "7/0.5", "(1==1)/256", "((unsigned long)7)%(1==2)", "7/((char)256)"},
          "! divide by zero"},
-        {{"7/\"0\"", "1.5%0", "1.5&&1", "\"7\"+1", "1/x"},
-         "! unsupported binary numeric operation"},
-        {{"1.5<1", "1.5==1", "x<1"}, "! unsupported comparison operation"},
-        {{"1<<1.0", "\"a\"<<\"a\"", "1>>((unsigned long)1)"}, "! integer shift value expected"},
+        {{"7/\"0\"", "1.5%0", "1.5&&1", "\"7\"+1"}, "! unsupported binary numeric operation"},
+        {{"1.5<1"}, "! unsupported comparison operation"},
+        {{"\"a\"<<\"a\"", "1>>((unsigned long)1)"}, "! integer shift value expected"},
         {{"1.5<<1", "(1==1)>>1"}, "! can only shift numeric values"},
-        {{"~1.0", "~(1==1)", "-\"a\"", "!\"a\""}, "! unsupported unary num operation"},
+        {{"~(1==1)", "-\"a\"", "!\"a\""}, "! unsupported unary num operation"},
     };
     expectRows(valueOf, rows);
 }
@@ -351,18 +318,16 @@ TEST(ExprResolution, AsksItsParserInOrder)
     };
     const std::vector<Row> rows = {
         {{"a=5"}, "a; set int64 5; int64 5"},
-        {{"a+1", "1+a"}, "a; int64 6"},
-        {{"-a"}, "a; int64 -5"},
+        {{"1+a"}, "a; int64 6"},
         {{"a-=1"}, "a; a; set int64 4; int64 4"},
         {{"(1==2)&&a"}, "a; bool false"},
         {{"(a=1)-(b=2)"}, "b; set int64 2; a; set int64 1; int64 -1"},
         {{"a=b=3"}, "a; b; set int64 2; set int64 3; int64 3"},
         {{"::a=a"}, "::a; a; set int64 3; int64 3"},
         {{"@r=1.5"}, "@r; set float64 1.5; float64 1.5"},
-        {{"b[-1]", "b[-1.9]", "b[4294967295]"}, "b; index -1; int64 2"},
+        {{"b[-1.9]", "b[4294967295]"}, "b; index -1; int64 2"},
         {{"b[b]"}, "b; b; index 2; int64 2"},
         {{"*b", "b[1==2]"}, "b; index 0; int64 2"},
-        {{"b.c"}, "b; member c; int64 2"},
         {{"b->c::d"}, "b; member c::d; int64 2"},
         {{"(long[2])-1"}, "cast long[Constant(2)]; int64 -1"},
         {{"b[\"a\"]", "b[x]"}, "! bad index type"},
@@ -377,12 +342,12 @@ TEST(ExprResolution, AsksItsParserInOrder)
 TEST(ExprResolution, WithoutNamesOnlyLiteralsHaveAValue)
 {
     const std::vector<Row> rows = {
-        {{"a", "::a", "1/0+a", "a=y", "a++", "1(a)", "(int)a"}, "! a symbol not found"},
+        {{"1/0+a", "a++", "1(a)", "(int)a"}, "! a symbol not found"},
         {{"a::b"}, "! a::b symbol not found"},
         {{"@r0"}, "! unknown register"},
         {{"(int)1"}, "! cannot cast"},
         {{"1.b", "1->a::b"}, "! cannot dereference"},
-        {{"*5", "5[x]", "1=x", "1+=x", "1++"}, "! bad expression type"},
+        {{"*5", "1=x"}, "! bad expression type"},
         {{"&1"}, "! cannot take address of a constant"},
         {{"sizeof(1)"}, "! cannot determine sizeof of a constant"},
         {{"addressof(\"a.c\", 1)"}, "! addressof not implemented"},
@@ -409,15 +374,14 @@ TEST(ExprPlain, OnlyTheWantedKindIsOkWithATreeAndWithout)
         return all;
     };
     const std::vector<Row> rows = {
-        {{"1==1", "!(1!=1)", "2>1 == 1<=1 || 0 && 1"}, "none none 1 "},
-        {{"1!=1", "3<2 || 2>=3", "(1==1)/0.1", "!5"}, "none none 0 "},
-        {{"8", "010", "0b1000", "2*(3+1)", "10-3+1", "5+3%4", "1<<3", "+8 9", "8)", "-(-8)",
-          " 16>>1", "9 & 12 | 4 ^ 4", "8%9\xA0", times(999, " ") + "8"},
+        {{"!(1!=1)", "2>=2", "2>1 == 1<=1 || 0 && 1"}, "none none 1 "},
+        {{"3<2 || 2>=3", "(1==1)/0.1"}, "none none 0 "},
+        {{"0b1000", "0x8", "2*(3+1)", "10-3+1", "5+3%4", "1<<3", "+8 9", "8)", "-(-8)", " 16>>1",
+          "9 & 12 | 4 ^ 4", "8%9\xA0", times(999, " ") + "8"},
          "8 8 none "},
         {{"-1", "~0"}, "18446744073709551615 -1 none "},
         {{"1.5"}, "4609434218613702656 1 none "},
-        {{"\"1\"", "1+", "", "x", "(1", "()", "1/0", "1++2", "--1", "++8", "1&&&1", "1>>>1",
-          "1<(1==1"},
+        {{"\"1\"", "", "x", "()", "(1", "1/0", "1++2", "--1", "++8", "1&&&1", "1>>>1", "1<(1==1"},
          "none none none "},
     };
     expectRows([&](auto *text) { return wantedOf(SimpleExpressionParser::instance(), text); },
@@ -435,7 +399,6 @@ TEST(ExprPlain, CostsLessThanATreeAndFarLessThanAnException)
         parser.evaluateSigned(text.c_str(), &ok);
         return parser.steps();
     };
-    EXPECT_LT(stepsOf("1 + 2"), 50U);
     EXPECT_LT(stepsOf("1 + x"), 50U);
     EXPECT_GT(stepsOf("1 + 2.5"), 100U);
     EXPECT_GT(stepsOf("1 + 2.5.6"), 1000U);
@@ -455,7 +418,6 @@ TEST(ExprValues, ViewsFollowKindAndSize)
         {{"(short)0x18000"}, "-32768 32768 -32768.000000"},
         {{"(unsigned)0x1FFFFFFFF"}, "-1 4294967295 4294967295.000000"},
         {{"(size_t)1.5"}, "1 1069547520 1.500000"},
-        {{"-1.5"}, "-1 13832806255468478464 -1.500000"},
         {{"1==1"}, "1 1 1.000000"},
         {{"1==2", "\"7\"", "x", ""}, "0 0 0.000000"},
         {{"9223372036854775808.0"},
@@ -474,8 +436,6 @@ TEST(ExprValues, TextInEveryBase)
     EXPECT_EQ(toString(value, 16, true), "0x00ab");
     value.bitWidth = 9;
     EXPECT_EQ(toString(value, 16, true), "0x0ab");
-    EXPECT_EQ(toString(Value::fromInt64(255, 1)), "-1");
-    EXPECT_EQ(toString(Value::fromBool(true), 16), "true");
     EXPECT_EQ(toString(Value::fromDouble(1234567)), "1.23457e+06");
     EXPECT_EQ(toString(Value::fromDouble(std::nan(""))), "NaN");
     EXPECT_EQ(toString(Value::fromDouble(-HUGE_VAL)), "Inf");
