@@ -184,22 +184,16 @@ TEST_F(Tree, ExpandsWhatIsSetAfterReading)
     EXPECT_EQ(treeText(document.root), "r(x[n=2],y[n=1 o=2],z[n=2])");
 }
 
-TEST(Document, LoadsAndSavesByName)
+TEST(Document, TellsWhatCannotBeReadOrWritten)
 {
-    const ScratchDirectory scratch;
-    scratch.write("a\xE9.xml", "<a/>");
-    const std::string absent = scratch.file("no/" + std::string(2000, 'x'));
+    const std::string absent = "/none/" + std::string(2000, 'x');
     QXMLDocument document(false);
-    EXPECT_TRUE(document.load(scratch.file("a\xE9.xml")));
-    EXPECT_TRUE(document.save(scratch.file("b.xml").c_str(), 0));
-    EXPECT_EQ(readFile(scratch.file("b.xml")), "<a/>");
     document.errorLine = 5;
     EXPECT_FALSE(document.load(absent));
     EXPECT_EQ(document.errorLine, 0);
     EXPECT_EQ(document.errorMessage, ("couldn't read " + absent).substr(0, 1023));
     EXPECT_FALSE(document.save(absent, 2));
     EXPECT_EQ(document.errorMessage, ("couldn't write " + absent).substr(0, 1023));
-    EXPECT_EQ(treeText(document.root), "a");
 }
 
 TEST(Document, ReadsUpToANulOrToTheLimit)
@@ -235,6 +229,7 @@ TEST(Document, ReadsUpToANulOrToTheLimit)
                 continue;
             XMLDocument document(false);
             document.readLimit = limit;
+            std::fseek(stream, 1, SEEK_SET);  // a file is read from its start all the same
             EXPECT_NE(document.read(stream), document.passedReadLimit);
             EXPECT_EQ(document.passedReadLimit ? "too long" : treeText(document.root), outcome);
             std::fclose(stream);
@@ -242,17 +237,6 @@ TEST(Document, ReadsUpToANulOrToTheLimit)
     }
     XMLDocument document(false);
     EXPECT_TRUE(document.load("/dev/zero"));
-}
-
-TEST(Document, ReadsAStreamFromItsStart)
-{
-    XMLDocument document(false);
-    char text[] = "<a/>";
-    FILE *stream = fmemopen(text, sizeof text, "rb");
-    std::fgetc(stream);
-    EXPECT_TRUE(document.read(stream));
-    EXPECT_EQ(treeText(document.root), "a");
-    std::fclose(stream);
 }
 
 }  // namespace

@@ -117,7 +117,6 @@ struct Row {
 
 const Row rows[] = {
     {"IOError", Event::Error, EIO},
-    {"NoSpace", Event::Error, ENOSPC},
     {"Kill", Event::Kill, SIGKILL},
     {"Interrupt", Event::Interrupt, SIGINT},
     {"Terminate", Event::Interrupt, SIGTERM},

