@@ -73,6 +73,7 @@ private:
 
     // The type of a cast, behind the opening parenthesis; see typereader.cpp.
     Type readType();
+    Type readSuffixes(Type type);
     Type readSimpleType();
     Type readStruct();
     Type readFields();

@@ -40,10 +40,17 @@ TreeParser::Type TreeParser::readType()
 {
     if (lexer.kind() != Token::Identifier)
         return nullptr;
-    Type type = lexer.tokenIs("struct")     ? readStruct()
-                : lexer.tokenIs("register") ? readRegister()
-                                            : readSimpleType();
-    while (type) {
+    if (lexer.tokenIs("struct"))
+        return readSuffixes(readStruct());
+    if (lexer.tokenIs("register"))
+        return readSuffixes(readRegister());
+    Type type = readSimpleType();
+    return type ? readSuffixes(std::move(type)) : nullptr;
+}
+
+TreeParser::Type TreeParser::readSuffixes(Type type)
+{
+    for (;;) {
         if (lexer.kind() == Token::Star) {
             lexer.next();
             type = make<PointerType>(std::move(type));
@@ -53,10 +60,9 @@ TreeParser::Type TreeParser::readType()
             advancePast(Token::RightBracket, "']' expected");
             type = make<ArrayType>(std::move(type), std::move(count));
         } else {
-            break;
+            return type;
         }
     }
-    return type;
 }
 
 /// simple = { word of a type } [ name of a type ]
@@ -83,8 +89,9 @@ TreeParser::Type TreeParser::readSimpleType()
         isLong = isLong || word->role == Role::Widens;
         isUnsigned = isUnsigned || word->role == Role::Unsigned;
     }
-    const SimpleType::Code code = isLong ? SimpleType::Long : SimpleType::Int;
-    return isType ? make<SimpleType>(code, isUnsigned) : nullptr;
+    if (!isType)
+        return nullptr;
+    return make<SimpleType>(isLong ? SimpleType::Long : SimpleType::Int, isUnsigned);
 }
 
 /// struct = "struct" ( identifier | fields )
