@@ -45,7 +45,6 @@ TEST(Expansion, FollowsTheRulesOfReferences)
         {"$(u)$(HostOS)$(Date)", "$(u)$(HostOS)$(Date)"},
         {"$(u:y:z)$(u:)$()$(b::z)", "y:zEy"},
         // An introducer in a reference brings another pass; names and values are as they are.
-        {"$(u:$(a))", "x"},
         {"$(up)$(u:$)", "$(a)$"},
         {"$(n$(a))", "N"},
         {"$$(open)a)$(u:$)", "x$"},

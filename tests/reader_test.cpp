@@ -115,6 +115,7 @@ TEST(Reader, CountsLines)
         {
             "\n<a/> => a@0",
             " \n<a/> => a@1",
+            "<r><a>\n</a></r> => r@0(a@0)",
             "<a\nx\n=\"\n\n\"><b\n/><![CDATA[\n]]></a\n><c/> => c@7",
             "<r><a\n\n/><a\nx\n=\"\n\"/>\n<b/></r> => r@0(a@0,a[x=\n]@2,b@6)",
         },
