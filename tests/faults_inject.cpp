@@ -29,7 +29,8 @@ bool fails()
 
 int mainWithFaults(int argc, char **argv, char **environment)
 {
-    remaining = std::atol(std::getenv("FAULT_AT"));
+    const char *at = std::getenv("FAULT_AT");
+    remaining = at ? std::atol(at) : 0;
     isLasting = std::getenv("FAULT_LASTS");
     mark = std::getenv("FAULT_MARK");
     return realMain(argc, argv, environment);

@@ -66,8 +66,9 @@ TEST_P(Document, EndsWithinBounds)
     const ScratchDirectory scratch;
     scratch.write("in.xml", documentOf(GetParam()));
     for (const std::string &stack : stacks) {
-        const std::string command =
-            bounds + "ulimit -s " + stack + "; exec " XMLPP_COMMAND " in.xml out.xml m=1";
+        std::string command = bounds;
+        command.append("ulimit -s ").append(stack);
+        command.append("; exec " XMLPP_COMMAND " in.xml out.xml m=1");
         const CommandResult run = runCommand({"/bin/sh", "-c", command}, scratch.path());
         if (stack == stacks.front() || !run.error.ends_with(" levels deep\n")) {
             EXPECT_EQ(run.error, GetParam().error) << stack;
