@@ -25,7 +25,11 @@ struct Level {
 /// A level of its own for what comes from elsewhere, an included file or a fragment. The macros
 /// that it begins with are in force as long as it lives.
 struct Content {
-    Content(MacroScopes *scopes, Level at) : macros(scopes), level(at) {}
+    Content(MacroScopes *scopes, std::string_view fileName, bool expand, int includes)
+        : macros(scopes),
+          level{fileName, expand, includes}
+    {
+    }
 
     MacroScopes::Scope macros;
     Level level;

@@ -33,8 +33,8 @@ std::unique_ptr<Content> Run::contentFor(const XMLElement &directive, const Leve
 {
     const bool hasMacros = (level.expand || directive.hasAttribute("expand_macros")) &&
                            directive.hasAttribute("macros");
-    auto content = std::make_unique<Content>(
-        &macros, Level{level.fileName, level.expand || hasMacros, level.includes});
+    auto content = std::make_unique<Content>(&macros, level.fileName, level.expand || hasMacros,
+                                             level.includes);
     if (hasMacros)
         budget.spend(Price::Nanosecond, macros.setList(attributeText(directive, "macros")));
     return content;

@@ -33,7 +33,7 @@ constexpr std::uint8_t classify(unsigned byte)
 
 constexpr auto table = [] {
     std::array<std::uint8_t, 256> classes{};
-    for (unsigned byte = 0; byte < classes.size(); ++byte)
+    for (unsigned byte = 0; byte != classes.size(); ++byte)
         classes[byte] = classify(byte);
     return classes;
 }();
