@@ -21,7 +21,6 @@ constexpr std::size_t earlyTokens = 16'384;
 constexpr std::uint64_t stepsPerCharacter = 1;
 constexpr std::size_t unreadCharactersPerStep = 32;
 constexpr std::uint64_t stepsPerException = 1500;
-constexpr std::size_t charactersToldPerStep = 8;  ///< the message can hold the rest of the text
 constexpr std::uint64_t stepsPerCallOfReading = 1000;
 constexpr std::uint64_t stepsPerLevelOfTree = 400;
 
@@ -80,8 +79,9 @@ PlainValue SimpleExpressionParser::evaluateWithTree(const char *text)
     PlainValue value;
     try {
         value = evaluate(text);
-    } catch (const ParserException &) {
-        cost += stepsPerException + std::strlen(text) / charactersToldPerStep;
+    } catch (const ParserException &error) {
+        // The message can hold the rest of the text.
+        cost += stepsPerException + stepsPerCharacter * error.message().size();
         cost += treeHeight != 0 ? stepsPerLevelOfTree * static_cast<std::uint64_t>(treeHeight)
                                 : stepsPerCallOfReading * static_cast<std::uint64_t>(readingDepth);
     }

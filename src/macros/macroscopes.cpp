@@ -54,7 +54,7 @@ void MacroScopes::define(std::string_view name, std::string_view newValue)
 std::uint64_t MacroScopes::setList(std::string_view list)
 {
     constexpr std::uint64_t stepsPerItem = 20;
-    std::uint64_t steps = list.size() * 4 / 5;
+    std::uint64_t steps = list.size() * 7 / 10;
     std::string withoutNewlines;
     if (list.find('\n') != std::string_view::npos) {
         withoutNewlines = list;

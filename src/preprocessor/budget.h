@@ -45,7 +45,7 @@ enum class Price : std::uint32_t {
     EmptyPiece = 20,      ///< of a list, between two separators
     Alternative = 80,     ///< cut from its list and compared
     ListItem = 120,       ///< of a foreach
-    List = 2'000,         ///< the same
+    List = 1'300,         ///< the same
     InheritedName = 250,  ///< looked up on both elements
     IndexedName = 1'200,  ///< of an attribute, for those that are inherited
     Include = 34'000,     ///< a file found, opened, read and closed
