@@ -45,3 +45,12 @@ function(xmlpp_library name)
   target_link_libraries(${name} PRIVATE xmlpp_options)
   target_compile_options(${name} PRIVATE ${across_folders} ${and_by_folder})
 endfunction()
+
+# A program of src/, as it is released.
+function(xmlpp_program name)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE xmlpp_options xmlpp_driver)
+  target_compile_options(${name} PRIVATE ${across_folders} ${and_by_folder})
+  target_link_options(${name} PRIVATE ${across_folders} ${self_contained})
+  install(TARGETS ${name})
+endfunction()

@@ -72,7 +72,7 @@ void reportFailedLoad(Run &run, const std::string &path, bool hasRoot)
 
 /// The root element of the file, which belongs to the document but is not linked to it. Null
 /// after an error was reported. No more is read than the document may still grow.
-XMLElement *loadInclude(Run &run, const std::string &path)
+XMLElement *loadInclude(Run &run, const std::string &path, const XMLElement &includedBy)
 {
     XMLPP2 &document = run.document;
     XMLNode *const root = document.root;
@@ -85,6 +85,7 @@ XMLElement *loadInclude(Run &run, const std::string &path)
     run.budget.spend(Price::IncludedByte, document.bytesUsed() - bytesBefore);
     auto *const included = static_cast<XMLElement *>(document.root);
     document.root = root;
+    document.fileLoaded(path, ok ? included : nullptr, &includedBy);
     if (ok && included)
         return included;
     if (document.passedReadLimit)
@@ -121,7 +122,7 @@ Outcome handleInclude(Run &run, XMLElement &element, const Level &level)
                      .append(path));
         return Outcome::keep();
     }
-    XMLElement *const included = loadInclude(run, path);
+    XMLElement *const included = loadInclude(run, path, element);
     if (!included)
         return Outcome::keep();
 

@@ -9,7 +9,9 @@
 
 bool XMLPP2::preprocessFile(const std::string &fileName, const std::string &macroList, bool expand)
 {
-    if (!load(fileName))
+    const bool loaded = load(fileName);
+    fileLoaded(fileName, loaded ? static_cast<XMLElement *>(root) : nullptr, nullptr);
+    if (!loaded)
         return false;
     const CurrentPool current(this);
     std::vector<std::string> items;

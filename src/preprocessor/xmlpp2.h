@@ -31,6 +31,15 @@ public:
     /// limits it ends.
     virtual void reportError(const std::string &message) = 0;
 
+    /// Called with every file as it was opened, before anything in it is executed: the document
+    /// first, then each include, as often as it is included. \a root is null for a file with an
+    /// error, which errorMessage and errorLine tell, and for one without an element. \a includedBy
+    /// is the directive, null for the document.
+    virtual void fileLoaded(const std::string & /*path*/, const XMLElement * /*root*/,
+                            const XMLElement * /*includedBy*/)
+    {
+    }
+
     Limits limits;
 
     /// The stored fragments by name. They are nodes of this document's pool.
