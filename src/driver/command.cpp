@@ -108,9 +108,9 @@ bool preprocess(XMLPP2 *document, Arguments arguments)
     return true;
 }
 
-bool save(XMLPP2 *document, Arguments arguments)
+bool save(XMLPP2 *document, Arguments arguments, OutputFile *companion)
 {
-    if (document->QXMLDocument::save(arguments[1], 2))
+    if (document->QXMLDocument::save(arguments[1], 2, companion))
         return true;
     std::fprintf(stderr, "save error %s\n", document->errorMessage);
     return false;

@@ -28,7 +28,8 @@ struct Program {
 /// false.
 bool preprocess(XMLPP2 *document, Arguments arguments);
 
-/// Writes OUTFILE. A failure is one line on standard error and false.
-bool save(XMLPP2 *document, Arguments arguments);
+/// Writes OUTFILE, and moves a \a companion into its place with it. A failure is one line on standard
+/// error and false, and both files are as they were.
+bool save(XMLPP2 *document, Arguments arguments, OutputFile *companion = nullptr);
 
 }  // namespace command

@@ -1,6 +1,5 @@
 #include "outputfile.h"
 
-#include <cassert>
 #include <cerrno>
 #include <chrono>
 #include <climits>
@@ -103,7 +102,7 @@ int openSystemLink(const std::string &path)
 
 }  // namespace
 
-OutputFile::OutputFile(const char *fileName)
+OutputFile::OutputFile(const char *fileName) : given(fileName)
 {
     int descriptor = changed;
     for (int looks = 0; looks < 100 && descriptor == changed; ++looks)
@@ -184,10 +183,11 @@ int OutputFile::openToReplace(const std::string &path, const struct stat *old)
 int OutputFile::openTemporary(const std::string &path, const struct stat *old)
 {
     // No other run has this name: the clock tells apart what containers with process IDs of their
-    // own make in a directory that they share.
+    // own make in a directory that they share. It need not tell apart two files of this run.
+    static int made = 0;
     const auto now = std::chrono::system_clock::now().time_since_epoch().count();
-    temporary =
-        directoryOf(path) + ".xmlpp-" + std::to_string(getpid()) + '-' + std::to_string(now);
+    temporary = directoryOf(path) + ".xmlpp-" + std::to_string(getpid()) + '-' +
+                std::to_string(now) + '-' + std::to_string(++made);
     target = path;
     older = newest.load();
     newest = this;
@@ -215,12 +215,18 @@ void OutputFile::forgetTemporary()
     temporary.clear();
 }
 
+bool OutputFile::finish()
+{
+    FILE *stream = std::exchange(file, nullptr);
+    if (!stream)
+        return false;
+    const bool written = std::fflush(stream) == 0 && !std::ferror(stream);
+    return std::fclose(stream) == 0 && written;
+}
+
 bool OutputFile::commit()
 {
-    assert(file);
-    FILE *stream = std::exchange(file, nullptr);
-    const bool written = std::fflush(stream) == 0 && !std::ferror(stream);
-    if (std::fclose(stream) != 0 || !written)
+    if (file && !finish())
         return false;
     if (temporary.empty())
         return true;

@@ -25,11 +25,18 @@ public:
     /// where they would end it: one that is ignored stays so.
     static void removeOnSignals();
 
-    /// Null when the file cannot be written.
+    /// Null when the file cannot be written, and after finish().
     FILE *stream() const { return file; }
 
-    /// Whether all that was written to the stream, which is not null, has reached the file. Ends
-    /// the use of the stream.
+    /// As the file was named.
+    const char *name() const { return given.c_str(); }
+
+    /// Whether there was a stream and all that was written to it has reached the temporary file.
+    /// Called once; ends the use of the stream.
+    bool finish();
+
+    /// Whether the file is in its place, finished if it was not yet. Not after a finish() that
+    /// failed.
     bool commit();
 
 private:
@@ -39,6 +46,7 @@ private:
     void forgetTemporary();
     static void endBySignal(int number);
 
+    std::string given;      ///< the name of the file
     std::string target;     ///< what the temporary file is renamed to
     std::string temporary;  ///< empty when there is no temporary file
     FILE *file = nullptr;

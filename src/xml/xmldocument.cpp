@@ -99,13 +99,16 @@ bool XMLDocument::write(FILE *stream, int spacesPerLevel)
     return true;
 }
 
-bool XMLDocument::save(const char *fileName, int spacesPerLevel)
+bool XMLDocument::save(const char *fileName, int spacesPerLevel, OutputFile *companion)
 {
+    // Before the file is opened, which may have to be written in place.
+    if (companion && !companion->finish())
+        return fail("couldn't write ", companion->name());
     OutputFile file(fileName);
-    if (!file.stream())
-        return fail("couldn't write ", fileName);
-    const bool written = write(file.stream(), spacesPerLevel);
-    return file.commit() ? written : fail("couldn't write ", fileName);
+    const bool written = file.stream() && write(file.stream(), spacesPerLevel) && file.finish();
+    if (written && companion && !companion->commit())
+        return fail("couldn't write ", companion->name());
+    return (written && file.commit()) || fail("couldn't write ", fileName);
 }
 
 void XMLDocument::writeNode(FILE *stream, const XMLNode *node, int depth) const

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstdio>
 
+class OutputFile;
+
 /// An XML document: a tree of nodes and the pool in which the nodes and their strings live until
 /// the document goes. It reads a forgiving subset of XML 1.0 as 8-bit text, without a conversion
 /// and without validation, and writes it with a fixed indentation rule.
@@ -39,8 +41,10 @@ public:
     /// all in one line for 0. Always true: failures of the stream are the caller's to ask for.
     bool write(FILE *stream, int spacesPerLevel);
 
-    /// Writes the file whole or leaves it as it was (see OutputFile).
-    bool save(const char *fileName, int spacesPerLevel);
+    /// Writes the file whole or leaves it as it was (see OutputFile). A \a companion has been
+    /// written already. It takes its place when all of this file has been written, right before
+    /// it; where one of the two cannot be written, both are left as they were.
+    bool save(const char *fileName, int spacesPerLevel, OutputFile *companion = nullptr);
 
     /// Writes \a node, which can be null, with all below it, as it stands \a depth levels deep,
     /// indented as the last write() was.

@@ -1,0 +1,84 @@
+#include "command.h"
+#include "myxmlpp2.h"
+#include "outputfile.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+namespace
+{
+
+/// A document that knows which files it was made of.
+class DependentDocument : public MyXMLPP2
+{
+public:
+    using MyXMLPP2::MyXMLPP2;
+
+    void fileLoaded(const std::string &path, const XMLElement * /*root*/,
+                    const XMLElement * /*includedBy*/) override
+    {
+        if (const auto [position, isNew] = known.insert(path); isNew)
+            files.push_back(&*position);
+    }
+
+    /// One rule for the output and, so that a file that goes away stops no build, one without
+    /// prerequisites for each file that the document includes.
+    std::string dependencies(const char *outFile) const;
+
+private:
+    std::unordered_set<std::string> known;
+    std::vector<const std::string *> files;  ///< in the order of their first use
+};
+
+/// A name as Make and Ninja read it.
+std::string escaped(std::string_view name)
+{
+    std::string text;
+    for (const char character : name) {
+        if (std::strchr(" \t#:", character))
+            text += '\\';
+        else if (character == '$')
+            text += '$';
+        text += character;
+    }
+    return text;
+}
+
+std::string DependentDocument::dependencies(const char *outFile) const
+{
+    std::string rules = escaped(outFile).append(":");
+    for (const std::string *file : files)
+        rules.append(" \\\n  ").append(escaped(*file));
+    rules += '\n';
+    for (std::size_t include = 1; include < files.size(); ++include)
+        rules.append(escaped(*files[include])).append(":\n");
+    return rules;
+}
+
+int preprocess(command::Arguments arguments)
+{
+    const command::Arguments shared = arguments.subspan(1);
+    // Never destroyed, as in xmlpp.
+    static DependentDocument &document = *new DependentDocument(false);
+    if (!command::preprocess(&document, shared))
+        return EXIT_FAILURE;
+    const std::string rules = document.dependencies(shared[1]);
+    OutputFile file(arguments[0]);
+    // What cannot be written is seen when the file is finished.
+    if (file.stream())
+        std::fwrite(rules.data(), 1, rules.size(), file.stream());
+    return command::save(&document, shared, &file) ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+}  // namespace
+
+int main(int argc, char **argv)
+{
+    command::execute({3, "<depfile> <infile> <outfile> [macro1=value;macro2=value;..]", preprocess},
+                     argc, argv);
+}
