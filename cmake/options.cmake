@@ -46,11 +46,13 @@ function(xmlpp_library name)
   target_compile_options(${name} PRIVATE ${across_folders} ${and_by_folder})
 endfunction()
 
-# A program of src/, as it is released.
+# A program of src/, as it is released; all of them are the target "programs".
+add_custom_target(programs)
 function(xmlpp_program name)
   add_executable(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE xmlpp_options xmlpp_driver)
   target_compile_options(${name} PRIVATE ${across_folders} ${and_by_folder})
   target_link_options(${name} PRIVATE ${across_folders} ${self_contained})
+  add_dependencies(programs ${name})
   install(TARGETS ${name})
 endfunction()
