@@ -9,10 +9,10 @@
 /// whatever symbolic links lead there. Until then, and after any failure, the old file is as it
 /// was, and an OutputFile that goes without a commit() takes the temporary file with it.
 ///
-/// Written in place is only what is no regular file (a device, a pipe), what lies where no file can
-/// be made, and what a link of the system's own leads to, such as /proc/self/fd/3; a file behind
-/// /dev/stdout or /dev/stderr through that descriptor. Other programs may replace the file at any
-/// moment: the last to be done counts.
+/// Written in place is only a device or a pipe, a file in a directory where no other can be made,
+/// and what a link of the system's own leads to, such as /proc/self/fd/3; a file behind /dev/stdout
+/// or /dev/stderr through that descriptor. Other programs may replace the file at any moment: the
+/// last to be done counts.
 class OutputFile
 {
 public:
