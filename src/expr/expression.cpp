@@ -34,7 +34,7 @@ int heightOf(Expression *left, const Expression *right, bool computes)
 {
     assert(left && right);
     const BinaryExpression *chain = left->asBinary();
-    const bool leans = computes && chain && chain->binaryOperator;
+    const bool leans = computes && chain && chain->computes;
     return 1 + std::max(left->height() - (leans ? 1 : 0), right->height());
 }
 
@@ -59,12 +59,11 @@ void Expression::operator delete(void *node, std::size_t size)
 }
 
 BinaryExpression::BinaryExpression(std::unique_ptr<Expression> leftOperand,
-                                   std::unique_ptr<Expression> rightOperand,
-                                   std::optional<BinaryOperator> computes)
-    : TreeExpression(heightOf(leftOperand.get(), rightOperand.get(), computes.has_value())),
+                                   std::unique_ptr<Expression> rightOperand, const OperatorRow *row)
+    : TreeExpression(heightOf(leftOperand.get(), rightOperand.get(), row != nullptr)),
       left(std::move(leftOperand)),
       right(std::move(rightOperand)),
-      binaryOperator(computes)
+      computes(row)
 {
 }
 

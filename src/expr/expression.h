@@ -3,10 +3,9 @@
 #include "expressionvalue.h"
 
 #include <algorithm>
-#include <optional>
 
 class BinaryExpression;
-enum class BinaryOperator;
+struct OperatorRow;
 
 /// A node of the tree that a parser makes of an expression. It owns its children, none of which is
 /// null, and does not change once it is made. A parser that it points to must live as long as it is
@@ -65,22 +64,19 @@ protected:
 class BinaryExpression : public TreeExpression
 {
 public:
-    /// \a computes is what the node computes, if evaluating it means to compute with both values.
-    /// A left operand that is such a node itself then adds nothing to the height.
+    /// \a row is what the node computes, if evaluating it means to compute with both values. A left
+    /// operand that is such a node itself then adds nothing to the height.
     BinaryExpression(std::unique_ptr<Expression> leftOperand,
-                     std::unique_ptr<Expression> rightOperand,
-                     std::optional<BinaryOperator> computes = std::nullopt);
+                     std::unique_ptr<Expression> rightOperand, const OperatorRow *row = nullptr);
     ~BinaryExpression() override;
+    /// What stands before the operands in a dump.
+    virtual const char *dumpName() const { return ""; }
     void dumpTo(std::string &text) const override;
     BinaryExpression *asBinary() override { return this; }
 
     std::unique_ptr<Expression> left;
     std::unique_ptr<Expression> right;
-    const std::optional<BinaryOperator> binaryOperator;
-
-protected:
-    /// What stands before the operands in a dump.
-    virtual const char *dumpName() const { return ""; }
+    const OperatorRow *const computes;
 };
 
 /// A node with one operand that is evaluated first. \a otherHeight is that of what else it owns.
@@ -92,13 +88,11 @@ public:
           operand(std::move(operandNode))
     {
     }
+    /// What stands before the operand in a dump.
+    virtual const char *dumpName() const { return ""; }
     void dumpTo(std::string &text) const override;
 
     std::unique_ptr<Expression> operand;
-
-protected:
-    /// What stands before the operand in a dump.
-    virtual const char *dumpName() const { return ""; }
 };
 
 class ConstantExpression : public TreeExpression
@@ -116,8 +110,7 @@ class IntegerConstantExpression : public ConstantExpression
 {
 public:
     explicit IntegerConstantExpression(std::int64_t constant)
-        : ConstantExpression(
-              PlainValue{PlainValue::Signed, 8, static_cast<std::uint64_t>(constant)})
+        : ConstantExpression({PlainValue::Signed, 8, static_cast<std::uint64_t>(constant)})
     {
     }
 };
@@ -126,8 +119,7 @@ class FloatConstantExpression : public ConstantExpression
 {
 public:
     explicit FloatConstantExpression(double constant)
-        : ConstantExpression(
-              PlainValue{PlainValue::Floating, 8, std::bit_cast<std::uint64_t>(constant)})
+        : ConstantExpression({PlainValue::Floating, 8, std::bit_cast<std::uint64_t>(constant)})
     {
     }
 };

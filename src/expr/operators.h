@@ -1,109 +1,99 @@
 #pragma once
 
-#include "arithmetic.h"
 #include "expression.h"
 #include "lexer.h"
 
-/// The value of \a root, which must be one of the operators with two operands below. Both are always
-/// evaluated, the right one first, and a chain that leans to the left takes no stack.
-ExpressionValue evaluateOperators(const BinaryExpression &root);
+// How values are computed, and the nodes that do so. What computes puts its result in the place of
+// its only or its left operand and returns null, or returns why there is none, a text that is never
+// released.
 
-template <UnaryOperator Operator>
-class UnaryOperatorExpression final : public UnaryExpression
-{
-public:
-    using UnaryExpression::UnaryExpression;
-    ExpressionValue evaluate() const override
-    {
-        return applyOperator(Operator, operand->evaluate());
-    }
+/// Integers wrap, a boolean becomes the signed integer 0 or -1.
+const char *negate(PlainValue *operand);
+/// Whether the operand is false or zero, as a boolean.
+const char *logicalNot(PlainValue *operand);
+/// Inverts all 64 bits of an integer.
+const char *bitNot(PlainValue *operand);
 
-protected:
-    const char *dumpName() const override { return operatorName(Operator); }
+/// An operator with two operands. The kind of the left value alone decides how to compute, and the
+/// right value is converted to that kind. The result has the size of the left value, a boolean
+/// result size 0. Integers wrap modulo 2^64. There is no result where a kind has no such operator,
+/// where the divisor is zero once converted, and where a shift count is no signed integer.
+struct OperatorRow {
+    const char *text;
+    std::int32_t level;  ///< of its token
+    Token::Kind token;
+    Token::Kind assignment;  ///< the token that assigns what this computes; 0: none does
+    const char *name;        ///< of its class
+    const char *(*apply)(PlainValue *left, const PlainValue &right);
+    std::unique_ptr<Expression> (*make)(std::unique_ptr<Expression> left,
+                                        std::unique_ptr<Expression> right);
 };
 
-using NegateExpression = UnaryOperatorExpression<UnaryOperator::Negate>;
-using LogicalNotExpression = UnaryOperatorExpression<UnaryOperator::LogicalNot>;
-using BitNotExpression = UnaryOperatorExpression<UnaryOperator::BitNot>;
+/// The operator that a token of this kind is or assigns with; null where it is none.
+const OperatorRow *findOperator(Token::Kind kind);
+/// The operator that two characters, or the first of them, are written as; null where it is none.
+const OperatorRow *findOperator(char first, char second);
 
-template <BinaryOperator Operator>
+/// The value of \a root, which must be one of the operators with two operands below. Both are always
+/// evaluated, the right one first, and a chain that leans to the left takes no stack. Objects count
+/// as what they are worth at the moment, and strings are compared as the bytes of their texts.
+ExpressionValue evaluateOperators(const BinaryExpression &root);
+
+template <Token::Kind Operator>
 class BinaryOperatorExpression final : public BinaryExpression
 {
 public:
     BinaryOperatorExpression(std::unique_ptr<Expression> leftOperand,
                              std::unique_ptr<Expression> rightOperand)
-        : BinaryExpression(std::move(leftOperand), std::move(rightOperand), Operator)
+        : BinaryExpression(std::move(leftOperand), std::move(rightOperand), findOperator(Operator))
     {
     }
     ExpressionValue evaluate() const override { return evaluateOperators(*this); }
-
-protected:
-    const char *dumpName() const override { return operatorName(Operator); }
+    const char *dumpName() const override { return computes->name; }
 };
 
-using LtExpression = BinaryOperatorExpression<BinaryOperator::Lt>;
-using LeExpression = BinaryOperatorExpression<BinaryOperator::Le>;
-using GtExpression = BinaryOperatorExpression<BinaryOperator::Gt>;
-using GeExpression = BinaryOperatorExpression<BinaryOperator::Ge>;
-using EqExpression = BinaryOperatorExpression<BinaryOperator::Eq>;
-using NeExpression = BinaryOperatorExpression<BinaryOperator::Ne>;
-using LogicalAndExpression = BinaryOperatorExpression<BinaryOperator::LogicalAnd>;
-using LogicalOrExpression = BinaryOperatorExpression<BinaryOperator::LogicalOr>;
-using PlusExpression = BinaryOperatorExpression<BinaryOperator::Plus>;
-using MinusExpression = BinaryOperatorExpression<BinaryOperator::Minus>;
-using MultiplyExpression = BinaryOperatorExpression<BinaryOperator::Multiply>;
-using DivideExpression = BinaryOperatorExpression<BinaryOperator::Divide>;
-using ModExpression = BinaryOperatorExpression<BinaryOperator::Mod>;
-using RshiftExpression = BinaryOperatorExpression<BinaryOperator::Rshift>;
-using LshiftExpression = BinaryOperatorExpression<BinaryOperator::Lshift>;
-using BitAndExpression = BinaryOperatorExpression<BinaryOperator::BitAnd>;
-using BitXorExpression = BinaryOperatorExpression<BinaryOperator::BitXor>;
-using BitOrExpression = BinaryOperatorExpression<BinaryOperator::BitOr>;
+using LtExpression = BinaryOperatorExpression<Token::Less>;
+using LeExpression = BinaryOperatorExpression<Token::LessEqual>;
+using GtExpression = BinaryOperatorExpression<Token::Greater>;
+using GeExpression = BinaryOperatorExpression<Token::GreaterEqual>;
+using EqExpression = BinaryOperatorExpression<Token::Equal>;
+using NeExpression = BinaryOperatorExpression<Token::NotEqual>;
+using LogicalAndExpression = BinaryOperatorExpression<Token::AndAnd>;
+using LogicalOrExpression = BinaryOperatorExpression<Token::OrOr>;
+using PlusExpression = BinaryOperatorExpression<Token::Plus>;
+using MinusExpression = BinaryOperatorExpression<Token::Minus>;
+using MultiplyExpression = BinaryOperatorExpression<Token::Star>;
+using DivideExpression = BinaryOperatorExpression<Token::Slash>;
+using ModExpression = BinaryOperatorExpression<Token::Percent>;
+using RshiftExpression = BinaryOperatorExpression<Token::ShiftRight>;
+using LshiftExpression = BinaryOperatorExpression<Token::ShiftLeft>;
+using BitAndExpression = BinaryOperatorExpression<Token::Ampersand>;
+using BitXorExpression = BinaryOperatorExpression<Token::Caret>;
+using BitOrExpression = BinaryOperatorExpression<Token::Bar>;
 
-/// An operator with two operands: how it is written, and what to make of it.
-struct OperatorRow {
-    const char *text;
-    std::int32_t level;  ///< of its token
-    BinaryOperator computes;
-    std::unique_ptr<Expression> (*make)(std::unique_ptr<Expression> left,
-                                        std::unique_ptr<Expression> right);
-    Token::Kind token;
-    Token::Kind assignment;  ///< the token that assigns what this computes; 0: none does
-};
+/// What \a apply makes of the value of \a operand, which counts as above.
+ExpressionValue evaluateOperator(const Expression &operand, const char *(*apply)(PlainValue *));
 
-template <BinaryOperator Operator>
-constexpr OperatorRow operatorRow(const char *text, std::int32_t level, Token::Kind token,
-                                  Token::Kind assignment = Token::EndOfInput)
+class NegateExpression : public UnaryExpression
 {
-    const auto make = [](std::unique_ptr<Expression> left,
-                         std::unique_ptr<Expression> right) -> std::unique_ptr<Expression> {
-        return std::make_unique<BinaryOperatorExpression<Operator>>(std::move(left),
-                                                                    std::move(right));
-    };
-    return {text, level, Operator, make, token, assignment};
-}
-
-// A token that has a level and no row here is no operator, but for "=".
-inline constexpr OperatorRow operatorRows[] = {
-    operatorRow<BinaryOperator::LogicalOr>("||", 0, Token::OrOr),
-    operatorRow<BinaryOperator::LogicalAnd>("&&", 1, Token::AndAnd),
-    operatorRow<BinaryOperator::BitOr>("|", 2, Token::Bar, Token::BarAssign),
-    operatorRow<BinaryOperator::BitXor>("^", 3, Token::Caret, Token::CaretAssign),
-    operatorRow<BinaryOperator::BitAnd>("&", 4, Token::Ampersand, Token::AmpersandAssign),
-    operatorRow<BinaryOperator::Eq>("==", 5, Token::Equal),
-    operatorRow<BinaryOperator::Ne>("!=", 5, Token::NotEqual),
-    operatorRow<BinaryOperator::Lt>("<", 6, Token::Less),
-    operatorRow<BinaryOperator::Le>("<=", 6, Token::LessEqual),
-    operatorRow<BinaryOperator::Gt>(">", 6, Token::Greater),
-    operatorRow<BinaryOperator::Ge>(">=", 6, Token::GreaterEqual),
-    operatorRow<BinaryOperator::Lshift>("<<", 7, Token::ShiftLeft, Token::ShiftLeftAssign),
-    operatorRow<BinaryOperator::Rshift>(">>", 7, Token::ShiftRight, Token::ShiftRightAssign),
-    operatorRow<BinaryOperator::Plus>("+", 8, Token::Plus, Token::PlusAssign),
-    operatorRow<BinaryOperator::Minus>("-", 8, Token::Minus, Token::MinusAssign),
-    operatorRow<BinaryOperator::Multiply>("*", 9, Token::Star, Token::StarAssign),
-    operatorRow<BinaryOperator::Divide>("/", 9, Token::Slash, Token::SlashAssign),
-    operatorRow<BinaryOperator::Mod>("%", 9, Token::Percent, Token::PercentAssign),
+public:
+    using UnaryExpression::UnaryExpression;
+    ExpressionValue evaluate() const override { return evaluateOperator(*operand, negate); }
+    const char *dumpName() const override { return "NegateExpression"; }
 };
 
-/// The operator that a token of this kind is or assigns with; null where it is none.
-const OperatorRow *findOperator(Token::Kind kind);
+class LogicalNotExpression : public UnaryExpression
+{
+public:
+    using UnaryExpression::UnaryExpression;
+    ExpressionValue evaluate() const override { return evaluateOperator(*operand, logicalNot); }
+    const char *dumpName() const override { return "LogicalNotExpression"; }
+};
+
+class BitNotExpression : public UnaryExpression
+{
+public:
+    using UnaryExpression::UnaryExpression;
+    ExpressionValue evaluate() const override { return evaluateOperator(*operand, bitNot); }
+    const char *dumpName() const override { return "BitNotExpression"; }
+};

@@ -2,8 +2,6 @@
 
 #include "operators.h"
 
-#include <array>
-
 // Most expressions of a document are a few numbers: $(i)+1, 3 < 10. Tokens, nodes and values that
 // can hold a text cost ten times what there is to compute, so these are read and computed at once,
 // by the same descent as in treeparser.cpp and with the same operators.
@@ -23,23 +21,6 @@
 
 namespace
 {
-
-/// An operator is its character alone, twice, or in front of "=".
-enum Form { Alone, Twice, WithEqual };
-
-constexpr Form formOf(char first, char second)
-{
-    return second == first ? Twice : second == '=' ? WithEqual : Alone;
-}
-
-using OperatorsByCharacter = std::array<const OperatorRow *, 256>;
-
-constexpr auto operatorsByForm = [] {
-    std::array<OperatorsByCharacter, 3> byForm = {};
-    for (const OperatorRow &row : operatorRows)
-        byForm[formOf(row.text[0], row.text[1])][static_cast<unsigned char>(row.text[0])] = &row;
-    return byForm;
-}();
 
 constexpr std::ptrdiff_t maximumLength = 1000;
 
@@ -113,7 +94,7 @@ private:
             const bool isRead = row->level == Token::tightestLevel
                                     ? readUnary(&right)
                                     : readBinary(row->level + 1, &right);
-            if (!isRead || !succeeds(apply(row->computes, value, right)))
+            if (!isRead || !succeeds(row->apply(value, right)))
                 return false;
         }
         return true;
@@ -131,14 +112,13 @@ private:
         case '(':
             return readParenthesis(value);
         case '-':
-            return at[1] != '-' && readOperand(value) &&
-                   succeeds(apply(UnaryOperator::Negate, value));
+            return at[1] != '-' && readOperand(value) && succeeds(negate(value));
         case '+':
             return at[1] != '+' && readOperand(value);
         case '!':
-            return readOperand(value) && succeeds(apply(UnaryOperator::LogicalNot, value));
+            return readOperand(value) && succeeds(logicalNot(value));
         case '~':
-            return readOperand(value) && succeeds(apply(UnaryOperator::BitNot, value));
+            return readOperand(value) && succeeds(bitNot(value));
         default:
             fails = *at == '\0' || *at == ')' || isLetter(*at);
             return false;
@@ -177,8 +157,7 @@ private:
     {
         skipSpace();
         ++tokens;
-        next = operatorsByForm[*at == '\0' ? Alone : formOf(at[0], at[1])]
-                              [static_cast<unsigned char>(*at)];
+        next = *at == '\0' ? nullptr : ::findOperator(at[0], at[1]);
     }
 
     void skipSpace()

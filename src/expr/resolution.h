@@ -97,8 +97,6 @@ class AssignExpression : public AskingBinaryExpression
 public:
     using AskingBinaryExpression::AskingBinaryExpression;
     ExpressionValue evaluate() const override;
-
-protected:
     const char *dumpName() const override { return "="; }
 };
 
@@ -108,8 +106,6 @@ class DotExpression : public AskingBinaryExpression
 public:
     using AskingBinaryExpression::AskingBinaryExpression;
     ExpressionValue evaluate() const override;
-
-protected:
     const char *dumpName() const override { return "Dot"; }
 };
 
@@ -119,8 +115,6 @@ class LeftSquareBracketExpression : public AskingBinaryExpression
 public:
     using AskingBinaryExpression::AskingBinaryExpression;
     ExpressionValue evaluate() const override;
-
-protected:
     const char *dumpName() const override { return "LeftSquareBracket"; }
 };
 
@@ -141,8 +135,6 @@ class SizeofExpression : public AskingUnaryExpression
 public:
     using AskingUnaryExpression::AskingUnaryExpression;
     ExpressionValue evaluate() const override;
-
-protected:
     const char *dumpName() const override { return "sizeof"; }
 };
 
