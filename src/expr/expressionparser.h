@@ -12,7 +12,7 @@ class BaseType;
 ///
 /// Text is Latin-1 up to a NUL, and null counts as empty. Reading stops behind the first whole
 /// expression, whatever follows. Time and memory grow with the text, up to bounds past which
-/// reading throws ParserException, see treeparser.h. One thread at a time.
+/// reading throws ParserException, see expressionparser.cpp. One thread at a time.
 class ExpressionParser
 {
 public:
@@ -70,4 +70,7 @@ protected:
     // What an exception out of the last parse() or evaluate() had to leave.
     int readingDepth = 0;  ///< calls that were open when the last of them began
     int treeHeight = 0;    ///< of the tree that was read; 0 for none
+
+private:
+    class TreeParser;
 };

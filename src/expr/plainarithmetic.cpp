@@ -4,7 +4,7 @@
 
 // Most expressions of a document are a few numbers: $(i)+1, 3 < 10. Tokens, nodes and values that
 // can hold a text cost ten times what there is to compute, so these are read and computed at once,
-// by the same descent as in treeparser.cpp and with the same operators.
+// by the same descent as in expressionparser.cpp and with the same operators.
 //
 // It takes decimal, hexadecimal and binary numbers, the operators that compute, parentheses and white
 // space, to the end of the text. All else it leaves to the parser, which starts over: an odd
