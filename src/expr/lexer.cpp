@@ -110,11 +110,6 @@ struct CompiledRules {
 constexpr CompiledRules compiled;
 static_assert(compiled.isValid && std::size(grammar) <= 64, "a rule is a bit of a candidate");
 
-bool isBlank(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
 /// Upper-case letters are counted from 'A', and so is every other character.
 std::uint64_t digitValue(char c)
 {
@@ -122,17 +117,6 @@ std::uint64_t digitValue(char c)
     if (c >= '0' && c <= '9')
         return code - '0';
     return c >= 'a' && c <= 'z' ? code - 87 : code - 55;
-}
-
-/// Takes the prefix that selects the base.
-std::uint64_t takeBase(std::string_view *text)
-{
-    if (!text->starts_with('0'))
-        return 10;
-    text->remove_prefix(1);
-    const std::uint64_t base = text->starts_with('x') ? 16 : text->starts_with('b') ? 2 : 8;
-    text->remove_prefix(base == 8 ? 0 : 1);
-    return base;
 }
 
 }  // namespace
@@ -212,12 +196,17 @@ double Lexer::tokenToDouble() const
 
 std::uint64_t readNumber(std::string_view text)
 {
-    while (!text.empty() && isBlank(text.front()))
+    while (!text.empty() && (text[0] == ' ' || (text[0] >= '\t' && text[0] <= '\r')))
         text.remove_prefix(1);
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+'))
         text.remove_prefix(1);
-    const std::uint64_t base = takeBase(&text);
+    std::uint64_t base = 10;
+    if (text.starts_with('0')) {
+        text.remove_prefix(1);
+        base = text.starts_with('x') ? 16 : text.starts_with('b') ? 2 : 8;
+        text.remove_prefix(base == 8 ? 0 : 1);
+    }
     std::uint64_t value = 0;
     for (const char c : text)
         value = value * base + digitValue(c);

@@ -3,13 +3,12 @@
 namespace
 {
 
-int heightAbove(const Expression &function,
-                const std::vector<std::unique_ptr<Expression>> &arguments)
+int heightOf(const std::vector<std::unique_ptr<Expression>> &nodes)
 {
-    int height = function.height();
-    for (const std::unique_ptr<Expression> &argument : arguments)
-        height = std::max(height, argument->height());
-    return 1 + height;
+    int height = 0;
+    for (const std::unique_ptr<Expression> &node : nodes)
+        height = std::max(height, node->height());
+    return height;
 }
 
 /// The value of \a node, which must be an object; else throws \a message.
@@ -78,19 +77,17 @@ ExpressionValue AddressofExpression::evaluate() const
     return parser->addressOfValue(value.object.get());
 }
 
-CallExpression::CallExpression(std::unique_ptr<Expression> functionNode,
+CallExpression::CallExpression(std::unique_ptr<Expression> function,
                                std::vector<std::unique_ptr<Expression>> argumentNodes,
                                ExpressionParser *resolver)
-    : TreeExpression(heightAbove(*functionNode, argumentNodes)),
-      AskingNode(resolver),
-      function(std::move(functionNode)),
+    : AskingUnaryExpression(std::move(function), resolver, heightOf(argumentNodes)),
       arguments(std::move(argumentNodes))
 {
 }
 
 ExpressionValue CallExpression::evaluate() const
 {
-    const ExpressionValue functionValue = function->evaluate();
+    const ExpressionValue functionValue = operand->evaluate();
     std::vector<ExpressionValue> values;
     values.reserve(arguments.size());
     for (const std::unique_ptr<Expression> &argument : arguments)
@@ -100,7 +97,7 @@ ExpressionValue CallExpression::evaluate() const
 
 void CallExpression::dumpTo(std::string &text) const
 {
-    function->dumpTo(text);
+    operand->dumpTo(text);
     text += '(';
     for (const std::unique_ptr<Expression> &argument : arguments)
         argument->dumpTo(text);

@@ -189,15 +189,15 @@ public:
     std::unique_ptr<BaseType> type;
 };
 
-class CallExpression : public TreeExpression, public AskingNode
+/// The operand is the function.
+class CallExpression : public AskingUnaryExpression
 {
 public:
-    CallExpression(std::unique_ptr<Expression> functionNode,
+    CallExpression(std::unique_ptr<Expression> function,
                    std::vector<std::unique_ptr<Expression>> argumentNodes,
                    ExpressionParser *resolver);
     ExpressionValue evaluate() const override;
     void dumpTo(std::string &text) const override;
 
-    std::unique_ptr<Expression> function;
     std::vector<std::unique_ptr<Expression>> arguments;
 };

@@ -7,6 +7,8 @@
 class SimpleExpressionParser : public ExpressionParser
 {
 public:
+    using Value = ExpressionValue;
+
     /// One for the whole process, made when it is first asked for and never released.
     static SimpleExpressionParser *instance();
 
@@ -17,28 +19,18 @@ public:
     }
     ExpressionObject *lookupRegister(const std::string &) override { fail("unknown register"); }
     bool isTypeName(const std::string &) override { return false; }
-    ExpressionValue castValue(const BaseType &, const ExpressionValue &) override
-    {
-        fail("cannot cast");
-    }
-    ExpressionValue dereferenceValue(ExpressionObject *, std::int32_t) override
+    Value castValue(const BaseType &, const Value &) override { fail("cannot cast"); }
+    Value dereferenceValue(ExpressionObject *, std::int32_t) override
     {
         fail("cannot dereference");
     }
-    ExpressionValue memberValue(const ExpressionValue &, const std::string &) override
+    Value memberValue(const Value &, const std::string &) override { fail("cannot dereference"); }
+    Value scopedMemberValue(const Value &, const std::vector<std::string> &) override
     {
         fail("cannot dereference");
     }
-    ExpressionValue scopedMemberValue(const ExpressionValue &,
-                                      const std::vector<std::string> &) override
-    {
-        fail("cannot dereference");
-    }
-    void assignValue(ExpressionObject *, const ExpressionValue &) override
-    {
-        fail("this symbol not found");
-    }
-    ExpressionValue objectValue(ExpressionObject *) override { fail("this symbol not found"); }
+    void assignValue(ExpressionObject *, const Value &) override { fail("this symbol not found"); }
+    Value objectValue(ExpressionObject *) override { fail("this symbol not found"); }
 
     // These never throw a ParserException: where there is no value of the kind asked for, they
     // return 0 or false, and *ok, which must not be null, is false.

@@ -11,7 +11,12 @@ class BaseType
 {
 public:
     /// The type as text: "unsigned long*", "int[Constant(4)]".
-    std::string name() const;
+    std::string name() const
+    {
+        std::string text;
+        nameTo(text);
+        return text;
+    }
     /// Appends the same.
     virtual void nameTo(std::string &text) const = 0;
     virtual ~BaseType() = default;
@@ -35,7 +40,11 @@ public:
     enum Code : std::int32_t { Char = 0, Short = 1, Int = 2, Long = 3, LongLong = 4 };
 
     SimpleType(Code typeCode, bool withoutSign) : code(typeCode), isUnsigned(withoutSign) {}
-    void nameTo(std::string &text) const override;
+    void nameTo(std::string &text) const override
+    {
+        static constexpr const char *names[] = {"char", "short", "int", "long", "long long"};
+        text.append(isUnsigned ? "unsigned " : "").append(names[code]);
+    }
 
     Code code;
     bool isUnsigned;
@@ -66,7 +75,16 @@ public:
           fields(std::move(structFields))
     {
     }
-    void nameTo(std::string &text) const override;
+    void nameTo(std::string &text) const override
+    {
+        for (const Field &field : fields) {
+            field.type->nameTo(text);
+            text.append(" ").append(field.name);
+            if (field.bitCount != 0)
+                text.append(":").append(std::to_string(field.bitCount));
+            text += ';';
+        }
+    }
 
     std::vector<Field> fields;
 };
@@ -86,7 +104,15 @@ public:
           fields(std::move(registerFields))
     {
     }
-    void nameTo(std::string &text) const override;
+    void nameTo(std::string &text) const override
+    {
+        text += std::to_string(size);
+        for (const Field &field : fields) {
+            text.append(" ").append(field.name);
+            text.append(" ").append(std::to_string(field.bitOffset));
+            text.append(" ").append(std::to_string(field.bitSize));
+        }
+    }
 
     std::int32_t size;
     std::vector<Field> fields;
@@ -101,7 +127,12 @@ public:
           elementCount(std::move(count))
     {
     }
-    void nameTo(std::string &text) const override;
+    void nameTo(std::string &text) const override
+    {
+        elementType->nameTo(text);
+        elementCount->dumpTo(text += '[');
+        text += ']';
+    }
 
     std::unique_ptr<BaseType> elementType;
     std::unique_ptr<Expression> elementCount;  ///< never evaluated here
@@ -115,7 +146,11 @@ public:
           targetType(std::move(target))
     {
     }
-    void nameTo(std::string &text) const override;
+    void nameTo(std::string &text) const override
+    {
+        targetType->nameTo(text);
+        text += '*';
+    }
 
     std::unique_ptr<BaseType> targetType;
 };

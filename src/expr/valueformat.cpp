@@ -9,14 +9,6 @@
 namespace
 {
 
-struct Notation {
-    int base;
-    const char *prefix;
-    std::size_t bitsPerDigit;
-};
-
-constexpr Notation notations[] = {{16, "0x", 4}, {8, "0", 3}, {2, "0b", 1}};
-
 /// What printf makes of one number.
 template <typename Number>
 std::string formatted(const char *format, Number number)
@@ -25,13 +17,6 @@ std::string formatted(const char *format, Number number)
     std::string text(static_cast<std::size_t>(std::max(length, 0)), '\0');
     std::snprintf(text.data(), text.size() + 1, format, number);
     return text;
-}
-
-std::string characterText(std::uint16_t code)
-{
-    if (code >= 32 && code <= 126)
-        return {static_cast<char>(code)};
-    return formatted("\\u%04x", static_cast<unsigned int>(code));
 }
 
 std::string decimalText(const ExpressionValue &value, const char *format)
@@ -46,20 +31,19 @@ std::string decimalText(const ExpressionValue &value, const char *format)
                                 : formatted(format ? format : "%g", number);
 }
 
-std::string notationText(const ExpressionValue &value, const Notation &notation, bool zeroPad)
+/// The unsigned view in digits of so many bits.
+std::string digits(const ExpressionValue &value, std::string_view prefix, std::size_t bitsPerDigit,
+                   bool zeroPad)
 {
     const std::size_t width =
         value.bitWidth ? value.bitWidth : static_cast<std::uint32_t>(value.size) * 8;
-    const std::size_t bits = std::min<std::size_t>(width, 64);
-    char digits[64];
-    const char *end =
-        std::to_chars(std::begin(digits), std::end(digits), value.toUInt64(), notation.base).ptr;
-    const auto length = static_cast<std::size_t>(end - digits);
-    const std::size_t wanted = (bits + notation.bitsPerDigit - 1) / notation.bitsPerDigit;
-    std::string text = notation.prefix;
-    if (zeroPad && wanted > length)
-        text.append(wanted - length, '0');
-    return text.append(digits, length);
+    const std::size_t wanted = (std::min<std::size_t>(width, 64) + bitsPerDigit - 1) / bitsPerDigit;
+    char text[64];
+    const auto [end, error] =
+        std::to_chars(std::begin(text), std::end(text), value.toUInt64(), 1 << bitsPerDigit);
+    const auto length = static_cast<std::size_t>(end - text);
+    const std::size_t zeros = zeroPad && wanted > length ? wanted - length : 0;
+    return std::string(prefix).append(zeros, '0').append(text, length);
 }
 
 }  // namespace
@@ -73,11 +57,18 @@ std::string toString(const ExpressionValue &value, int base, bool zeroPad, bool 
         return value.object.get()->text();
     if (!value.isNumeric())
         return value.text;
-    if (asCharacter)
-        return characterText(static_cast<std::uint16_t>(value.payload));
-    for (const Notation &notation : notations) {
-        if (notation.base == base)
-            return notationText(value, notation, zeroPad);
+    if (asCharacter) {
+        const unsigned int code = value.payload & 0xFFFF;
+        return formatted(code >= 32 && code <= 126 ? "%c" : "\\u%04x", code);
     }
-    return decimalText(value, format);
+    switch (base) {
+    case 16:
+        return digits(value, "0x", 4, zeroPad);
+    case 8:
+        return digits(value, "0", 3, zeroPad);
+    case 2:
+        return digits(value, "0b", 1, zeroPad);
+    default:
+        return decimalText(value, format);
+    }
 }
