@@ -196,19 +196,22 @@ double Lexer::tokenToDouble() const
 
 std::uint64_t readNumber(std::string_view text)
 {
-    while (!text.empty() && (text[0] == ' ' || (text[0] >= '\t' && text[0] <= '\r')))
-        text.remove_prefix(1);
-    const bool negative = text.starts_with('-');
-    if (negative || text.starts_with('+'))
-        text.remove_prefix(1);
+    const char *next = text.data();
+    const char *const end = next + text.size();
+    const auto isAt = [&](char c) { return next != end && *next == c; };
+    while (next != end && (*next == ' ' || (*next >= '\t' && *next <= '\r')))
+        ++next;
+    const bool negative = isAt('-');
+    if (negative || isAt('+'))
+        ++next;
     std::uint64_t base = 10;
-    if (text.starts_with('0')) {
-        text.remove_prefix(1);
-        base = text.starts_with('x') ? 16 : text.starts_with('b') ? 2 : 8;
-        text.remove_prefix(base == 8 ? 0 : 1);
+    if (isAt('0')) {
+        ++next;
+        base = isAt('x') ? 16 : isAt('b') ? 2 : 8;
+        next += base != 8;
     }
     std::uint64_t value = 0;
-    for (const char c : text)
-        value = value * base + digitValue(c);
+    for (; next != end; ++next)
+        value = value * base + digitValue(*next);
     return negative ? 0 - value : value;
 }
