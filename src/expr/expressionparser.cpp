@@ -20,30 +20,15 @@
 // "a += b" becomes "a = a + b", where the addition refers to the a of the assignment. x++ and ++x
 // are both "x += 1", and "*x" is "x[0]".
 
-namespace
-{
-
-using Node = std::unique_ptr<Expression>;
-using Type = std::unique_ptr<BaseType>;
-
-// The words of a simple type. One of the first completes it, and they stand in the order of its codes.
-constexpr std::string_view completingWords[] = {"char", "short", "int"};
-constexpr std::string_view otherWords[] = {"unsigned", "signed", "const", "volatile"};
-
-std::string_view unquoted(std::string_view literal)
-{
-    assert(literal.size() >= 2);
-    return literal.substr(1, literal.size() - 2);
-}
-
-}  // namespace
-
 /// One reading of one expression: makes its tree by recursive descent, of the tokens from the current
 /// one of the parser's lexer on. Whatever is no expression, or is past one of the bounds below, ends
 /// in a ParserException.
 class ExpressionParser::TreeParser
 {
 public:
+    using Node = std::unique_ptr<Expression>;
+    using Type = std::unique_ptr<BaseType>;
+
     explicit TreeParser(ExpressionParser *resolver) : parser(*resolver), lexer(resolver->lexer) {}
 
     /// expression = binary of the loosest level
@@ -103,7 +88,7 @@ private:
         case Token::FloatingNumber:
             return parseToken<FloatConstantExpression>(lexer.tokenToDouble());
         case Token::String:
-            return parseToken<StringConstantExpression>(takeText(unquoted(lexer.tokenBytes())));
+            return parseToken<StringConstantExpression>(takeText(unquotedToken()));
         case Token::Identifier:
             return parseWord();
         case Token::Scope:
@@ -169,7 +154,7 @@ private:
         lexer.next();
         take(Token::LeftParenthesis, "'(' expected");
         require(Token::String, "string expected");
-        std::string fileName = takeText(unquoted(lexer.tokenBytes()));
+        std::string fileName = takeText(unquotedToken());
         lexer.next();
         take(Token::Comma, "',' expected");
         const std::uint64_t line = readNumber(take(Token::DecimalNumber, "int expected"));
@@ -323,6 +308,10 @@ private:
             }
         }
     }
+
+    // The words of a simple type. One of the first, which stand in the order of its codes, completes it.
+    static constexpr std::string_view completingWords[] = {"char", "short", "int"};
+    static constexpr std::string_view otherWords[] = {"unsigned", "signed", "const", "volatile"};
 
     /// simple = { word of a type } [ name of a type ]
     /// Ends as soon as the type is complete: in "short int" the "int" is left. Null, with no token
@@ -485,6 +474,11 @@ private:
         const std::string_view characters = lexer.tokenBytes();
         lexer.next();
         return characters;
+    }
+    std::string_view unquotedToken() const
+    {
+        const std::string_view literal = lexer.tokenBytes();
+        return literal.substr(1, literal.size() - 2);
     }
     /// \a bytes, which are text that a node or a type keeps.
     std::string takeText(std::string_view bytes)

@@ -14,6 +14,23 @@ public:
 protected:
     explicit AskingNode(ExpressionParser *resolver) : parser(resolver) { assert(resolver); }
     ~AskingNode() = default;
+
+    /// The value of \a node, which must be an object; else throws \a message.
+    static ExpressionValue evaluateObject(const Expression &node, const char *message)
+    {
+        ExpressionValue value = node.evaluate();
+        if (!value.isObject())
+            throw ParserException(message);
+        return value;
+    }
+    /// The value of \a node, read by the parser where it is an object.
+    ExpressionValue evaluateRead(const Expression &node) const
+    {
+        ExpressionValue value = node.evaluate();
+        if (value.isObject())
+            value = parser->objectValue(value.object.get());
+        return value;
+    }
 };
 
 /// A node that is a name by itself.
@@ -55,7 +72,13 @@ public:
 };
 
 /// The parts of a name with "::" between them.
-std::string joined(const std::vector<std::string> &parts);
+inline std::string joined(const std::vector<std::string> &parts)
+{
+    std::string text;
+    for (const std::string &part : parts)
+        text.append(&part == &parts.front() ? "" : "::").append(part);
+    return text;
+}
 
 /// A name with "::" in it, or in front of it: "::x" has the one part "x".
 class ScopedIdentifierExpression : public TreeExpression, public AskingNode
@@ -96,7 +119,12 @@ class AssignExpression : public AskingBinaryExpression
 {
 public:
     using AskingBinaryExpression::AskingBinaryExpression;
-    ExpressionValue evaluate() const override;
+    ExpressionValue evaluate() const override
+    {
+        ExpressionValue target = evaluateObject(*left, "bad expression type");
+        parser->assignValue(target.object.get(), evaluateRead(*right));
+        return target;
+    }
     const char *dumpName() const override { return "="; }
 };
 
@@ -105,7 +133,15 @@ class DotExpression : public AskingBinaryExpression
 {
 public:
     using AskingBinaryExpression::AskingBinaryExpression;
-    ExpressionValue evaluate() const override;
+    ExpressionValue evaluate() const override
+    {
+        const ExpressionValue base = left->evaluate();
+        if (const auto *member = dynamic_cast<const IdentifierExpression *>(right.get()))
+            return parser->memberValue(base, member->name);
+        if (const auto *member = dynamic_cast<const ScopedIdentifierExpression *>(right.get()))
+            return parser->scopedMemberValue(base, member->parts);
+        throw ParserException("bad expression type");
+    }
     const char *dumpName() const override { return "Dot"; }
 };
 
@@ -114,7 +150,15 @@ class LeftSquareBracketExpression : public AskingBinaryExpression
 {
 public:
     using AskingBinaryExpression::AskingBinaryExpression;
-    ExpressionValue evaluate() const override;
+    ExpressionValue evaluate() const override
+    {
+        const ExpressionValue base = evaluateObject(*left, "bad expression type");
+        const ExpressionValue index = evaluateRead(*right);
+        if (!index.isNumeric() && !index.isBoolean())
+            throw ParserException("bad index type");
+        return parser->dereferenceValue(base.object.get(),
+                                        static_cast<std::int32_t>(index.toInt64()));
+    }
     const char *dumpName() const override { return "LeftSquareBracket"; }
 };
 
@@ -134,7 +178,12 @@ class SizeofExpression : public AskingUnaryExpression
 {
 public:
     using AskingUnaryExpression::AskingUnaryExpression;
-    ExpressionValue evaluate() const override;
+    ExpressionValue evaluate() const override
+    {
+        const ExpressionValue value =
+            evaluateObject(*operand, "cannot determine sizeof of a constant");
+        return parser->sizeOfValue(value.object.get());
+    }
     const char *dumpName() const override { return "sizeof"; }
 };
 
@@ -142,7 +191,11 @@ class AddressofExpression : public AskingUnaryExpression
 {
 public:
     using AskingUnaryExpression::AskingUnaryExpression;
-    ExpressionValue evaluate() const override;
+    ExpressionValue evaluate() const override
+    {
+        const ExpressionValue value = evaluateObject(*operand, "cannot take address of a constant");
+        return parser->addressOfValue(value.object.get());
+    }
     void dumpTo(std::string &text) const override { operand->dumpTo(text += '&'); }
 };
 
@@ -195,9 +248,37 @@ class CallExpression : public AskingUnaryExpression
 public:
     CallExpression(std::unique_ptr<Expression> function,
                    std::vector<std::unique_ptr<Expression>> argumentNodes,
-                   ExpressionParser *resolver);
-    ExpressionValue evaluate() const override;
-    void dumpTo(std::string &text) const override;
+                   ExpressionParser *resolver)
+        : AskingUnaryExpression(std::move(function), resolver, heightOf(argumentNodes)),
+          arguments(std::move(argumentNodes))
+    {
+    }
+    ExpressionValue evaluate() const override
+    {
+        const ExpressionValue functionValue = operand->evaluate();
+        std::vector<ExpressionValue> values;
+        values.reserve(arguments.size());
+        for (const std::unique_ptr<Expression> &argument : arguments)
+            values.push_back(argument->evaluate());
+        return parser->callFunction(functionValue, values);
+    }
+    void dumpTo(std::string &text) const override
+    {
+        operand->dumpTo(text);
+        text += '(';
+        for (const std::unique_ptr<Expression> &argument : arguments)
+            argument->dumpTo(text);
+        text += ')';
+    }
 
     std::vector<std::unique_ptr<Expression>> arguments;
+
+private:
+    static int heightOf(const std::vector<std::unique_ptr<Expression>> &nodes)
+    {
+        int height = 0;
+        for (const std::unique_ptr<Expression> &node : nodes)
+            height = std::max(height, node->height());
+        return height;
+    }
 };

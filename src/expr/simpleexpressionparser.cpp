@@ -8,9 +8,6 @@
 #include <cstring>
 #include <typeinfo>
 
-namespace
-{
-
 // Prices in nanoseconds, as measured in optimised code. Leaving an open call by an exception costs
 // more than all that the call does.
 constexpr std::uint64_t stepsPerEvaluation = 15;
@@ -24,8 +21,6 @@ constexpr std::uint64_t stepsPerException = 1500;
 constexpr std::uint64_t stepsPerCallOfReading = 1000;
 constexpr std::uint64_t stepsPerLevelOfTree = 400;
 
-}  // namespace
-
 SimpleExpressionParser *SimpleExpressionParser::instance()
 {
     static auto *const parser = new SimpleExpressionParser;
@@ -35,21 +30,6 @@ SimpleExpressionParser *SimpleExpressionParser::instance()
 ExpressionObject *SimpleExpressionParser::lookupScopedSymbol(const std::vector<std::string> &parts)
 {
     throw ParserException(joined(parts).append(" symbol not found"));
-}
-
-std::uint64_t SimpleExpressionParser::evaluateUnsigned(const char *text, bool *ok)
-{
-    return evaluateWanted(text, &PlainValue::isNumeric, ok).toUInt64();
-}
-
-std::int64_t SimpleExpressionParser::evaluateSigned(const char *text, bool *ok)
-{
-    return evaluateWanted(text, &PlainValue::isNumeric, ok).toInt64();
-}
-
-bool SimpleExpressionParser::evaluateBool(const char *text, bool *ok)
-{
-    return evaluateWanted(text, &PlainValue::isBoolean, ok).toBool();
 }
 
 PlainValue SimpleExpressionParser::evaluateWanted(const char *text,

@@ -36,20 +36,29 @@ public:
     // return 0 or false, and *ok, which must not be null, is false.
 
     /// A number as PlainValue::toUInt64() reads it: for a floating value its bit pattern.
-    std::uint64_t evaluateUnsigned(const char *text, bool *ok);
+    std::uint64_t evaluateUnsigned(const char *text, bool *ok)
+    {
+        return evaluateWanted(text, &PlainValue::isNumeric, ok).toUInt64();
+    }
     /// A number as PlainValue::toInt64() reads it.
-    std::int64_t evaluateSigned(const char *text, bool *ok);
+    std::int64_t evaluateSigned(const char *text, bool *ok)
+    {
+        return evaluateWanted(text, &PlainValue::isNumeric, ok).toInt64();
+    }
     /// A boolean; no number counts as one.
-    bool evaluateBool(const char *text, bool *ok);
+    bool evaluateBool(const char *text, bool *ok)
+    {
+        return evaluateWanted(text, &PlainValue::isBoolean, ok).toBool();
+    }
 
     /// What the last of these cost, in steps of about a nanosecond: counted, not measured, so that
     /// it is the same in every run, and within a factor of about two of what a clock says.
     std::uint64_t steps() const { return cost; }
 
 private:
+    [[noreturn]] static void fail(const char *message) { throw ParserException(message); }
     /// The value of \a text if it has one and \a isWanted accepts it, else the void value, which
     /// every conversion reads as 0.
-    [[noreturn]] static void fail(const char *message) { throw ParserException(message); }
     PlainValue evaluateWanted(const char *text, bool (PlainValue::*isWanted)() const, bool *ok);
     /// The value of \a text; the void value where there is none.
     PlainValue evaluateSilently(const char *text);
