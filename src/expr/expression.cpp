@@ -58,8 +58,8 @@ void Expression::operator delete(void *node, std::size_t size)
     spares = new (node) SpareNode{spares};
 }
 
-BinaryExpression::BinaryExpression(std::unique_ptr<Expression> leftOperand,
-                                   std::unique_ptr<Expression> rightOperand, const OperatorRow *row)
+BinaryExpression::BinaryExpression(OwnedExpression leftOperand, OwnedExpression rightOperand,
+                                   const OperatorRow *row)
     : TreeExpression(heightOf(leftOperand.get(), rightOperand.get(), row != nullptr)),
       left(std::move(leftOperand)),
       right(std::move(rightOperand)),
@@ -70,7 +70,7 @@ BinaryExpression::BinaryExpression(std::unique_ptr<Expression> leftOperand,
 BinaryExpression::~BinaryExpression()
 {
     // Each step releases one node of the chain, which has no left operand any more.
-    std::unique_ptr<Expression> node = std::move(left);
+    OwnedExpression node = std::move(left);
     while (BinaryExpression *binary = node ? node->asBinary() : nullptr)
         node = std::move(binary->left);
 }

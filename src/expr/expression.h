@@ -5,7 +5,10 @@
 #include <algorithm>
 
 class BinaryExpression;
+class Expression;
 struct OperatorRow;
+
+using OwnedExpression = std::unique_ptr<Expression>;
 
 /// A node of the tree that a parser makes of an expression. It owns its children, none of which is
 /// null, and does not change once it is made. A parser that it points to must live as long as it is
@@ -66,16 +69,16 @@ class BinaryExpression : public TreeExpression
 public:
     /// \a row is what the node computes, if evaluating it means to compute with both values. A left
     /// operand that is such a node itself then adds nothing to the height.
-    BinaryExpression(std::unique_ptr<Expression> leftOperand,
-                     std::unique_ptr<Expression> rightOperand, const OperatorRow *row = nullptr);
+    BinaryExpression(OwnedExpression leftOperand, OwnedExpression rightOperand,
+                     const OperatorRow *row = nullptr);
     ~BinaryExpression() override;
     /// What stands before the operands in a dump.
     virtual const char *dumpName() const { return ""; }
     void dumpTo(std::string &text) const override;
     BinaryExpression *asBinary() override { return this; }
 
-    std::unique_ptr<Expression> left;
-    std::unique_ptr<Expression> right;
+    OwnedExpression left;
+    OwnedExpression right;
     const OperatorRow *const computes;
 };
 
@@ -83,7 +86,7 @@ public:
 class UnaryExpression : public TreeExpression
 {
 public:
-    explicit UnaryExpression(std::unique_ptr<Expression> operandNode, int otherHeight = 0)
+    explicit UnaryExpression(OwnedExpression operandNode, int otherHeight = 0)
         : TreeExpression(1 + std::max(operandNode->height(), otherHeight)),
           operand(std::move(operandNode))
     {
@@ -92,7 +95,7 @@ public:
     virtual const char *dumpName() const { return ""; }
     void dumpTo(std::string &text) const override;
 
-    std::unique_ptr<Expression> operand;
+    OwnedExpression operand;
 };
 
 class ConstantExpression : public TreeExpression

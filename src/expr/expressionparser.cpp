@@ -26,33 +26,32 @@
 class ExpressionParser::TreeParser
 {
 public:
-    using Node = std::unique_ptr<Expression>;
-    using Type = std::unique_ptr<BaseType>;
-
     explicit TreeParser(ExpressionParser *resolver) : parser(*resolver), lexer(resolver->lexer) {}
 
     /// expression = binary of the loosest level
-    Node parseExpression() { return parseBinary(Token::loosestLevel); }
+    OwnedExpression parseExpression() { return parseBinary(Token::loosestLevel); }
 
 private:
     /// binary = unary { operator of the level or a tighter one, binary of a tighter level than its }
-    Node parseBinary(std::int32_t level)
+    OwnedExpression parseBinary(std::int32_t level)
     {
         const Nesting nesting(this);
         const std::size_t sizeBefore = size;
-        Node left = parseUnary();
+        OwnedExpression left = parseUnary();
         while (lexer.precedence() >= level && lexer.precedence() <= Token::tightestLevel) {
             const Token::Kind kind = lexer.kind();
             const std::int32_t rightLevel = lexer.precedence() + 1;
             const std::size_t leftSize = size - sizeBefore;
             lexer.next();
-            Node right = rightLevel > Token::tightestLevel ? parseUnary() : parseBinary(rightLevel);
+            OwnedExpression right =
+                rightLevel > Token::tightestLevel ? parseUnary() : parseBinary(rightLevel);
             left = combine(kind, std::move(left), std::move(right), leftSize);
         }
         return left;
     }
 
-    Node combine(Token::Kind kind, Node left, Node right, std::size_t leftSize)
+    OwnedExpression combine(Token::Kind kind, OwnedExpression left, OwnedExpression right,
+                            std::size_t leftSize)
     {
         if (kind != Token::Assign) {
             const OperatorRow *row = findOperator(kind);
@@ -67,7 +66,7 @@ private:
     }
 
     /// unary = primary { postfix }
-    Node parseUnary()
+    OwnedExpression parseUnary()
     {
         const Nesting nesting(this);
         const std::size_t sizeBefore = size;
@@ -76,7 +75,7 @@ private:
 
     /// primary = number | string | word | "::" name | register | parenthesis | ( "++" | "--" ) unary
     ///         | ( "~" | "!" | "-" | "+" | "&" | "*" ) unary
-    Node parsePrimary()
+    OwnedExpression parsePrimary()
     {
         switch (lexer.kind()) {
         case Token::DecimalNumber:
@@ -121,15 +120,15 @@ private:
 
     /// The node of the current token, made of \a arguments.
     template <typename Made, typename... Arguments>
-    Node parseToken(Arguments &&...arguments)
+    OwnedExpression parseToken(Arguments &&...arguments)
     {
-        Node node = make<Made>(std::forward<Arguments>(arguments)...);
+        OwnedExpression node = make<Made>(std::forward<Arguments>(arguments)...);
         lexer.next();
         return node;
     }
 
     /// word = sizeof | addressof | name
-    Node parseWord()
+    OwnedExpression parseWord()
     {
         if (lexer.tokenIs("sizeof"))
             return parseSizeof();
@@ -139,17 +138,17 @@ private:
     }
 
     /// sizeof = "sizeof" "(" expression ")"
-    Node parseSizeof()
+    OwnedExpression parseSizeof()
     {
         lexer.next();
         take(Token::LeftParenthesis, "'(' expected");
-        Node operand = parseExpression();
+        OwnedExpression operand = parseExpression();
         take(Token::RightParenthesis, "')' expected");
         return make<SizeofExpression>(std::move(operand), &parser);
     }
 
     /// addressof = "addressof" "(" string "," decimal ")"
-    Node parseAddressofLine()
+    OwnedExpression parseAddressofLine()
     {
         lexer.next();
         take(Token::LeftParenthesis, "'(' expected");
@@ -164,7 +163,7 @@ private:
     }
 
     /// name = identifier { "::" identifier }
-    Node parseName(bool rooted)
+    OwnedExpression parseName(bool rooted)
     {
         require(Token::Identifier, "identifier expected");
         std::vector<std::string> parts{takeToken()};
@@ -180,58 +179,64 @@ private:
     }
 
     /// parenthesis = "(" type ")" expression | "(" expression ")"
-    Node parseParenthesis()
+    OwnedExpression parseParenthesis()
     {
         lexer.next();
-        Type type = readType();
-        Node inner = type ? nullptr : parseExpression();
+        OwnedType type = readType();
+        OwnedExpression inner = type ? nullptr : parseExpression();
         take(Token::RightParenthesis, "')' expected");
         return type ? make<CastExpression>(std::move(type), parseExpression(), &parser)
                     : std::move(inner);
     }
 
-    Node parsePrefixStep()
+    OwnedExpression parsePrefixStep()
     {
         const Token::Kind sign = lexer.kind();
         lexer.next();
         const std::size_t sizeBefore = size;
-        Node target = parseUnary();
+        OwnedExpression target = parseUnary();
         return makeStep(sign, std::move(target), size - sizeBefore);
     }
 
     /// What ++ or -- makes of \a target.
-    Node makeStep(Token::Kind sign, Node target, std::size_t targetSize)
+    OwnedExpression makeStep(Token::Kind sign, OwnedExpression target, std::size_t targetSize)
     {
         const Token::Kind kind = sign == Token::Increment ? Token::PlusAssign : Token::MinusAssign;
         return combine(kind, std::move(target), make<IntegerConstantExpression>(1), targetSize);
     }
 
     template <typename Operator, typename... Arguments>
-    Node parseUnaryOperator(Arguments... arguments)
+    OwnedExpression parseUnaryOperator(Arguments... arguments)
     {
         lexer.next();
         return make<Operator>(parseUnary(), arguments...);
     }
 
-    Node parseDereference()
+    OwnedExpression parseDereference()
     {
         lexer.next();
-        Node base = parseUnary();
-        Node zero = make<ConstantExpression>(ExpressionValue::fromUInt64(0, 2));
+        OwnedExpression base = parseUnary();
+        OwnedExpression zero = make<ConstantExpression>(ExpressionValue::fromUInt64(0, 2));
         return make<LeftSquareBracketExpression>(std::move(base), std::move(zero), &parser);
     }
 
-    /// postfix = index | member | call | "++" | "--"
-    Node parsePostfix(Node base, std::size_t sizeBefore)
+    /// postfix = "[" expression "]" | ( "." | "->" ) name | call | "++" | "--"
+    OwnedExpression parsePostfix(OwnedExpression base, std::size_t sizeBefore)
     {
         for (;;) {
             switch (lexer.kind()) {
-            case Token::LeftBracket:
-                base = parseIndex(std::move(base));
+            case Token::LeftBracket: {
+                lexer.next();
+                OwnedExpression index = parseExpression();
+                take(Token::RightBracket, "expected ']'");
+                base =
+                    make<LeftSquareBracketExpression>(std::move(base), std::move(index), &parser);
                 break;
+            }
             case Token::Dot:
             case Token::Arrow:
-                base = parseMember(std::move(base));
+                lexer.next();
+                base = make<DotExpression>(std::move(base), parseName(false), &parser);
                 break;
             case Token::Increment:
             case Token::Decrement:
@@ -247,28 +252,12 @@ private:
         }
     }
 
-    /// index = "[" expression "]"
-    Node parseIndex(Node base)
-    {
-        lexer.next();
-        Node index = parseExpression();
-        take(Token::RightBracket, "expected ']'");
-        return make<LeftSquareBracketExpression>(std::move(base), std::move(index), &parser);
-    }
-
-    /// member = ( "." | "->" ) name
-    Node parseMember(Node base)
-    {
-        lexer.next();
-        return make<DotExpression>(std::move(base), parseName(false), &parser);
-    }
-
     /// call = "(" { unary [ "," ] } ")"
-    Node parseCall(Node base)
+    OwnedExpression parseCall(OwnedExpression base)
     {
         const Nesting nesting(this);
         lexer.next();
-        std::vector<Node> arguments;
+        std::vector<OwnedExpression> arguments;
         while (lexer.kind() != Token::RightParenthesis) {
             arguments.push_back(parseUnary());
             if (lexer.kind() == Token::Comma)
@@ -280,7 +269,7 @@ private:
 
     /// Null, with no token taken, where no type begins.
     /// type = ( simple | struct | register ) { "*" | "[" expression "]" }
-    Type readType()
+    OwnedType readType()
     {
         if (lexer.kind() != Token::Identifier)
             return nullptr;
@@ -288,11 +277,11 @@ private:
             return readSuffixes(readStruct());
         if (lexer.tokenIs("register"))
             return readSuffixes(readRegister());
-        Type type = readSimpleType();
+        OwnedType type = readSimpleType();
         return type ? readSuffixes(std::move(type)) : nullptr;
     }
 
-    Type readSuffixes(Type type)
+    OwnedType readSuffixes(OwnedType type)
     {
         for (;;) {
             if (lexer.kind() == Token::Star) {
@@ -300,7 +289,7 @@ private:
                 type = make<PointerType>(std::move(type));
             } else if (lexer.kind() == Token::LeftBracket) {
                 lexer.next();
-                Node count = parseExpression();
+                OwnedExpression count = parseExpression();
                 take(Token::RightBracket, "']' expected");
                 type = make<ArrayType>(std::move(type), std::move(count));
             } else {
@@ -316,7 +305,7 @@ private:
     /// simple = { word of a type } [ name of a type ]
     /// Ends as soon as the type is complete: in "short int" the "int" is left. Null, with no token
     /// taken, where the first one is no word of a type.
-    Type readSimpleType()
+    OwnedType readSimpleType()
     {
         SimpleType::Code code = SimpleType::Int;
         bool isUnsigned = false;
@@ -346,7 +335,7 @@ private:
     }
 
     /// struct = "struct" ( identifier | fields )
-    Type readStruct()
+    OwnedType readStruct()
     {
         lexer.next();
         if (lexer.kind() != Token::Identifier)
@@ -360,7 +349,7 @@ private:
     }
 
     /// fields = "{" { field } "}"
-    Type readFields()
+    OwnedType readFields()
     {
         take(Token::LeftBrace, "'{' expected");
         std::vector<StructType::Field> fields;
@@ -388,7 +377,7 @@ private:
     }
 
     /// register = "register" decimal { register field } ";"
-    Type readRegister()
+    OwnedType readRegister()
     {
         lexer.next();
         const std::int32_t bits = takeNumber("size expected");
@@ -505,9 +494,9 @@ private:
     std::size_t size = 0;  ///< what is counted so far
 };
 
-std::unique_ptr<Expression> ExpressionParser::parse(const char *text, std::size_t *position)
+OwnedExpression ExpressionParser::parse(const char *text, std::size_t *position)
 {
-    std::unique_ptr<Expression> tree;
+    OwnedExpression tree;
     // Not a copy: nothing asks the lexer for its text once the tree is made.
     lexer.borrowText(text ? text : "");
     readingDepth = 0;
@@ -524,6 +513,6 @@ std::unique_ptr<Expression> ExpressionParser::parse(const char *text, std::size_
 
 ExpressionValue ExpressionParser::evaluate(const char *text, std::size_t *position)
 {
-    const std::unique_ptr<Expression> tree = parse(text, position);
+    const OwnedExpression tree = parse(text, position);
     return tree ? tree->evaluate() : ExpressionValue();
 }

@@ -29,15 +29,12 @@ public:
                                               const std::vector<std::string> &parts) = 0;
     virtual ExpressionValue addressOfValue(ExpressionObject *)
     {
-        throw ParserException("addressof not implemented");
+        fail("addressof not implemented");
     }
-    virtual ExpressionValue sizeOfValue(ExpressionObject *)
-    {
-        throw ParserException("sizeof not implemented");
-    }
+    virtual ExpressionValue sizeOfValue(ExpressionObject *) { fail("sizeof not implemented"); }
     virtual ExpressionValue addressOfLine(const std::string & /*fileName*/, std::int64_t /*line*/)
     {
-        throw ParserException("addressof not implemented");
+        fail("addressof not implemented");
     }
     virtual void assignValue(ExpressionObject *target, const ExpressionValue &value) = 0;
     /// The value of an object where a plain value is needed: an index, an assigned value.
@@ -45,13 +42,13 @@ public:
     virtual ExpressionValue callFunction(const ExpressionValue & /*function*/,
                                          const std::vector<ExpressionValue> & /*arguments*/)
     {
-        throw ParserException("function calling not implemented");
+        fail("function calling not implemented");
     }
     virtual ~ExpressionParser() = default;
 
     /// The tree of \a text, which points to this parser; null for an empty text. *position receives
     /// where reading stopped, the index behind the last token looked at, unless reading throws.
-    std::unique_ptr<Expression> parse(const char *text, std::size_t *position = nullptr);
+    OwnedExpression parse(const char *text, std::size_t *position = nullptr);
     /// The value of \a text; the void value for an empty text. *position as in parse().
     ExpressionValue evaluate(const char *text, std::size_t *position = nullptr);
 
@@ -65,6 +62,8 @@ public:
 
 protected:
     ExpressionParser() = default;
+
+    [[noreturn]] static void fail(const char *message) { throw ParserException(message); }
 
     Lexer lexer;  ///< only its counts are of use once parse() is through
     // What an exception out of the last parse() or evaluate() had to leave.

@@ -120,8 +120,7 @@ template <Token::Kind Operator>
 constexpr OperatorRow row(const char *text, std::int32_t level, Token::Kind assignment,
                           const char *name, const char *(*apply)(PlainValue *, const PlainValue &))
 {
-    const auto make = [](std::unique_ptr<Expression> left,
-                         std::unique_ptr<Expression> right) -> std::unique_ptr<Expression> {
+    const auto make = [](OwnedExpression left, OwnedExpression right) -> OwnedExpression {
         return std::make_unique<BinaryOperatorExpression<Operator>>(std::move(left),
                                                                     std::move(right));
     };

@@ -25,8 +25,7 @@ struct OperatorRow {
     Token::Kind assignment;  ///< the token that assigns what this computes; 0: none does
     const char *name;        ///< of its class
     const char *(*apply)(PlainValue *left, const PlainValue &right);
-    std::unique_ptr<Expression> (*make)(std::unique_ptr<Expression> left,
-                                        std::unique_ptr<Expression> right);
+    OwnedExpression (*make)(OwnedExpression left, OwnedExpression right);
 };
 
 /// The operator that a token of this kind is or assigns with; null where it is none.
@@ -43,8 +42,7 @@ template <Token::Kind Operator>
 class BinaryOperatorExpression final : public BinaryExpression
 {
 public:
-    BinaryOperatorExpression(std::unique_ptr<Expression> leftOperand,
-                             std::unique_ptr<Expression> rightOperand)
+    BinaryOperatorExpression(OwnedExpression leftOperand, OwnedExpression rightOperand)
         : BinaryExpression(std::move(leftOperand), std::move(rightOperand), findOperator(Operator))
     {
     }

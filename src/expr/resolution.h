@@ -105,8 +105,8 @@ public:
 class AskingBinaryExpression : public BinaryExpression, public AskingNode
 {
 public:
-    AskingBinaryExpression(std::unique_ptr<Expression> leftOperand,
-                           std::unique_ptr<Expression> rightOperand, ExpressionParser *resolver)
+    AskingBinaryExpression(OwnedExpression leftOperand, OwnedExpression rightOperand,
+                           ExpressionParser *resolver)
         : BinaryExpression(std::move(leftOperand), std::move(rightOperand)),
           AskingNode(resolver)
     {
@@ -166,7 +166,7 @@ public:
 class AskingUnaryExpression : public UnaryExpression, public AskingNode
 {
 public:
-    AskingUnaryExpression(std::unique_ptr<Expression> operandNode, ExpressionParser *resolver,
+    AskingUnaryExpression(OwnedExpression operandNode, ExpressionParser *resolver,
                           int otherHeight = 0)
         : UnaryExpression(std::move(operandNode), otherHeight),
           AskingNode(resolver)
@@ -223,8 +223,7 @@ public:
 class CastExpression : public AskingUnaryExpression
 {
 public:
-    CastExpression(std::unique_ptr<BaseType> target, std::unique_ptr<Expression> operandNode,
-                   ExpressionParser *resolver)
+    CastExpression(OwnedType target, OwnedExpression operandNode, ExpressionParser *resolver)
         : AskingUnaryExpression(std::move(operandNode), resolver, target->height()),
           type(std::move(target))
     {
@@ -239,15 +238,14 @@ public:
         operand->dumpTo(text += ')');
     }
 
-    std::unique_ptr<BaseType> type;
+    OwnedType type;
 };
 
 /// The operand is the function.
 class CallExpression : public AskingUnaryExpression
 {
 public:
-    CallExpression(std::unique_ptr<Expression> function,
-                   std::vector<std::unique_ptr<Expression>> argumentNodes,
+    CallExpression(OwnedExpression function, std::vector<OwnedExpression> argumentNodes,
                    ExpressionParser *resolver)
         : AskingUnaryExpression(std::move(function), resolver, heightOf(argumentNodes)),
           arguments(std::move(argumentNodes))
@@ -258,7 +256,7 @@ public:
         const ExpressionValue functionValue = operand->evaluate();
         std::vector<ExpressionValue> values;
         values.reserve(arguments.size());
-        for (const std::unique_ptr<Expression> &argument : arguments)
+        for (const OwnedExpression &argument : arguments)
             values.push_back(argument->evaluate());
         return parser->callFunction(functionValue, values);
     }
@@ -266,18 +264,18 @@ public:
     {
         operand->dumpTo(text);
         text += '(';
-        for (const std::unique_ptr<Expression> &argument : arguments)
+        for (const OwnedExpression &argument : arguments)
             argument->dumpTo(text);
         text += ')';
     }
 
-    std::vector<std::unique_ptr<Expression>> arguments;
+    std::vector<OwnedExpression> arguments;
 
 private:
-    static int heightOf(const std::vector<std::unique_ptr<Expression>> &nodes)
+    static int heightOf(const std::vector<OwnedExpression> &nodes)
     {
         int height = 0;
-        for (const std::unique_ptr<Expression> &node : nodes)
+        for (const OwnedExpression &node : nodes)
             height = std::max(height, node->height());
         return height;
     }

@@ -56,7 +56,6 @@ public:
     std::uint64_t steps() const { return cost; }
 
 private:
-    [[noreturn]] static void fail(const char *message) { throw ParserException(message); }
     /// The value of \a text if it has one and \a isWanted accepts it, else the void value, which
     /// every conversion reads as 0.
     PlainValue evaluateWanted(const char *text, bool (PlainValue::*isWanted)() const, bool *ok);

@@ -34,9 +34,10 @@ public:
             const auto code = static_cast<unsigned char>(c);
             return ((bits[code / 64] >> (code % 64)) & 1) != 0;
         }
-        constexpr void addRange(unsigned char first, unsigned char last)
+        constexpr void addRange(char first, char last)
         {
-            for (unsigned int code = first; code <= last; ++code)
+            const unsigned int end = static_cast<unsigned char>(last) + 1U;
+            for (unsigned int code = static_cast<unsigned char>(first); code < end; ++code)
                 bits[code / 64] |= 1ULL << (code % 64);
         }
         /// Adds what the character behind a backslash stands for.
@@ -45,11 +46,11 @@ public:
             if (c == 'd') {
                 addRange('0', '9');
             } else if (c == 's') {
-                addRange(9, 13);
+                addRange('\t', '\r');
                 addRange(' ', ' ');
-                addRange(0xA0, 0xA0);
+                addRange('\xA0', '\xA0');
             } else {
-                addRange(static_cast<unsigned char>(c), static_cast<unsigned char>(c));
+                addRange(c, c);
             }
         }
         constexpr void invert()
@@ -72,15 +73,16 @@ public:
 
     explicit TokenPattern(std::string_view pattern) : source(pattern)
     {
-        while (valid && !pattern.empty())
-            valid = takeStep(&pattern, &steps.emplace_back());
-        if (!valid)
-            steps.clear();
+        while (!pattern.empty()) {
+            if (!takeStep(&pattern, &steps.emplace_back())) {
+                steps.clear();
+                break;
+            }
+        }
     }
 
     /// The pattern as it was given.
     const std::string &text() const { return source; }
-    bool isValid() const { return valid; }
     /// Characters at the beginning of \a input that the pattern takes. 0: no match.
     std::size_t match(std::string_view input) const { return match(steps, input); }
 
@@ -113,7 +115,7 @@ public:
                 return false;
             step->set.addEscaped(take(pattern));
         } else if (std::string_view(".?*+|()]{}^$").find(c) == std::string_view::npos) {
-            step->set.addRange(static_cast<unsigned char>(c), static_cast<unsigned char>(c));
+            step->set.addRange(c, c);
         } else {
             return false;
         }
@@ -154,19 +156,16 @@ private:
     static constexpr void takeMember(std::string_view *rest, CharacterSet *set)
     {
         const char c = take(rest);
-        auto last = static_cast<unsigned char>(c);
         if (c == '\\' && !rest->empty()) {
             set->addEscaped(take(rest));
-            return;
-        }
-        if (rest->size() > 1 && rest->front() == '-' && (*rest)[1] != ']') {
+        } else if (rest->size() > 1 && rest->front() == '-' && (*rest)[1] != ']') {
             take(rest);
-            last = static_cast<unsigned char>(take(rest));
+            set->addRange(c, take(rest));
+        } else {
+            set->addRange(c, c);
         }
-        set->addRange(static_cast<unsigned char>(c), last);
     }
 
     std::string source;
     std::vector<Step> steps;  ///< none where the pattern is invalid
-    bool valid = true;
 };

@@ -5,6 +5,10 @@
 #include <algorithm>
 #include <vector>
 
+class BaseType;
+
+using OwnedType = std::unique_ptr<BaseType>;
+
 /// What a cast converts to, as written in the text. A description owns what it is made of and does
 /// not change once it is read.
 class BaseType
@@ -65,7 +69,7 @@ class StructType : public BaseType
 public:
     struct Field {
         std::string name;  ///< may be empty
-        std::unique_ptr<BaseType> type;
+        OwnedType type;
         std::int32_t bitCount = 0;  ///< 0: not a bit field
     };
 
@@ -121,7 +125,7 @@ public:
 class ArrayType : public BaseType
 {
 public:
-    ArrayType(std::unique_ptr<BaseType> element, std::unique_ptr<Expression> count)
+    ArrayType(OwnedType element, OwnedExpression count)
         : BaseType(1 + std::max(element->height(), count->height())),
           elementType(std::move(element)),
           elementCount(std::move(count))
@@ -134,14 +138,14 @@ public:
         text += ']';
     }
 
-    std::unique_ptr<BaseType> elementType;
-    std::unique_ptr<Expression> elementCount;  ///< never evaluated here
+    OwnedType elementType;
+    OwnedExpression elementCount;  ///< never evaluated here
 };
 
 class PointerType : public BaseType
 {
 public:
-    explicit PointerType(std::unique_ptr<BaseType> target)
+    explicit PointerType(OwnedType target)
         : BaseType(1 + target->height()),
           targetType(std::move(target))
     {
@@ -152,5 +156,5 @@ public:
         text += '*';
     }
 
-    std::unique_ptr<BaseType> targetType;
+    OwnedType targetType;
 };

@@ -1,4 +1,3 @@
-#include "datetime.h"
 #include "macrovalues.h"
 
 #include <algorithm>
@@ -50,8 +49,8 @@ Parts partsOf(std::string_view reference, std::size_t colon)
         {reference.data() + 2, colon - 2}, {reference.data() + start, end - start}, hasTwoColons};
 }
 
-/// Whether it is worth asking builtinMacroValue().
-bool canBeBuiltin(std::string_view name)
+/// Whether it is worth asking MacroValues::readClock().
+bool canBeClock(std::string_view name)
 {
     return name.starts_with('D') || name.starts_with('T');
 }
@@ -195,7 +194,7 @@ void Expansion::substitute(std::string_view reference, std::size_t colon)
     auto [name, value, hasTwoColons] = partsOf(reference, colon);
     rescan = rescan && !hasTwoColons;
     std::string now;
-    if (macros.find(name, &value) && canBeBuiltin(name) && builtinMacroValue(name, now)) {
+    if (macros.find(name, &value) && canBeClock(name) && MacroValues::readClock(name, &now)) {
         cost += price::dateOrTime;
         value = now;
     }
@@ -256,7 +255,7 @@ std::size_t plainExpansion(MacroLookup &macros, std::string_view text, char intr
         auto [name, value, hasTwoColons] = partsOf(text.substr(0, end + 1), colon);
         *cost += price::reference;
         macros.find(name, &value);
-        if (canBeBuiltin(name) || !append(value))
+        if (canBeClock(name) || !append(value))
             return MacroValues::notPlain;
         text.remove_prefix(end + 1);
     }

@@ -32,6 +32,15 @@ public:
     /// Defines what each item says (see nameAndValue()), later items winning.
     static MacroMap parseMacroList(const std::vector<std::string> &items);
 
+    /// Sets *value to the current local date or time where \a name is one of these, else returns
+    /// false. English month names, as the process never leaves the "C" locale.
+    ///
+    ///     Date      21 June 2011     Time        15:34:03
+    ///     DateYear  2011             TimeHour    15
+    ///     DateMonth 06               TimeMinute  34
+    ///     DateDay   21               TimeSecond  03
+    static bool readClock(std::string_view name, std::string *value);
+
     /// \a base with every entry of \a overrides set on it.
     static MacroMap mergeMacros(const MacroMap &base, const MacroMap &overrides);
 
