@@ -78,6 +78,10 @@ struct PlainValue {
     std::uint64_t toUInt64() const;
     /// The number itself; integers are read as their kind says.
     double toDouble() const;
+
+private:
+    /// The high bits of the payload that do not count in an integer of this size.
+    int unusedBits() const { return size == 1 || size == 2 || size == 4 ? 64 - 8 * size : 0; }
 };
 
 /// What an evaluation produces: a value, with the text or the object where its kind has one.
@@ -89,10 +93,7 @@ struct ExpressionValue : PlainValue {
     /// The void value.
     ExpressionValue() = default;
     explicit ExpressionValue(const PlainValue &plain) : PlainValue(plain) {}
-    static ExpressionValue fromBool(bool value)
-    {
-        return ExpressionValue({Boolean, 0, value ? 1U : 0U});
-    }
+    static ExpressionValue fromBool(bool value) { return ExpressionValue({Boolean, 0, value}); }
     static ExpressionValue fromInt64(std::int64_t value, std::int32_t size = 8)
     {
         return ExpressionValue({Signed, size, static_cast<std::uint64_t>(value)});

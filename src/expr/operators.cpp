@@ -16,7 +16,7 @@ constexpr const char *divideByZero = "divide by zero";
 
 PlainValue booleanOf(bool value)
 {
-    return {PlainValue::Boolean, 0, value ? 1U : 0U};
+    return {PlainValue::Boolean, 0, value};
 }
 
 // The operators with two operands. The left payload takes part whole, whatever its size. Signed

@@ -69,14 +69,10 @@ public:
 
     PlainResult read()
     {
-        PlainResult result;
         PlainValue value;
         if (readBinary(Token::loosestLevel, &value) && *at == '\0')
-            result = {PlainResult::Done, value};
-        else if (fails)
-            result.outcome = PlainResult::Failure;
+            result = {PlainResult::Done, value, 0, result.tokens};
         result.characters = static_cast<std::size_t>(at - start);
-        result.tokens = tokens;
         return result;
     }
 
@@ -103,7 +99,7 @@ private:
     bool readUnary(PlainValue *value)
     {
         skipSpace();
-        ++tokens;
+        ++result.tokens;
         if (at - start > maximumLength)
             return false;
         if (isDigit(*at))
@@ -120,7 +116,8 @@ private:
         case '~':
             return readOperand(value) && succeeds(bitNot(value));
         default:
-            fails = *at == '\0' || *at == ')' || isLetter(*at);
+            if (*at == '\0' || *at == ')' || isLetter(*at))
+                result.outcome = PlainResult::Failure;
             return false;
         }
     }
@@ -156,7 +153,7 @@ private:
     void findOperator()
     {
         skipSpace();
-        ++tokens;
+        ++result.tokens;
         next = *at == '\0' ? nullptr : ::findOperator(at[0], at[1]);
     }
 
@@ -168,15 +165,15 @@ private:
 
     bool succeeds(const char *failure)
     {
-        fails = failure != nullptr;
-        return !fails;
+        if (failure)
+            result.outcome = PlainResult::Failure;
+        return !failure;
     }
 
     const char *start;
     const char *at;
     const OperatorRow *next = nullptr;
-    std::size_t tokens = 0;
-    bool fails = false;  ///< there is no value for certain
+    PlainResult result;
 };
 
 }  // namespace

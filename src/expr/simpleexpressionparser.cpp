@@ -36,22 +36,17 @@ PlainValue SimpleExpressionParser::evaluateWanted(const char *text,
                                                   bool (PlainValue::*isWanted)() const, bool *ok)
 {
     assert(ok);
-    const PlainValue value = evaluateSilently(text ? text : "");
-    *ok = (value.*isWanted)();
-    return *ok ? value : PlainValue();
-}
-
-PlainValue SimpleExpressionParser::evaluateSilently(const char *text)
-{
-    cost = stepsPerEvaluation;
+    text = text ? text : "";
+    PlainResult plain;
     // A subclass may know names, or have added rules.
-    if (typeid(*this) == typeid(SimpleExpressionParser)) {
-        const PlainResult plain = evaluatePlain(text);
-        cost += stepsPerCharacter * plain.characters + stepsPerPlainToken * plain.tokens;
-        if (plain.outcome != PlainResult::Unusual)
-            return plain.value;
-    }
-    return evaluateWithTree(text);
+    if (typeid(*this) == typeid(SimpleExpressionParser))
+        plain = evaluatePlain(text);
+    cost = stepsPerEvaluation + stepsPerCharacter * plain.characters +
+           stepsPerPlainToken * plain.tokens;
+    if (plain.outcome == PlainResult::Unusual)
+        plain.value = evaluateWithTree(text);
+    *ok = (plain.value.*isWanted)();
+    return *ok ? plain.value : PlainValue();
 }
 
 PlainValue SimpleExpressionParser::evaluateWithTree(const char *text)

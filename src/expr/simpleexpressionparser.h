@@ -60,7 +60,6 @@ private:
     /// every conversion reads as 0.
     PlainValue evaluateWanted(const char *text, bool (PlainValue::*isWanted)() const, bool *ok);
     /// The value of \a text; the void value where there is none.
-    PlainValue evaluateSilently(const char *text);
     PlainValue evaluateWithTree(const char *text);
 
     std::uint64_t cost = 0;

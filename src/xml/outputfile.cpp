@@ -37,14 +37,6 @@ bool isSystemLink(const struct stat &link)
     return lstat("/proc/self", &own) == 0 && S_ISLNK(own.st_mode) && link.st_dev == own.st_dev;
 }
 
-/// Whether \a descriptor is open for the file \a wanted.
-bool isOpenAs(int descriptor, const struct stat &wanted)
-{
-    struct stat open = {};
-    return fstat(descriptor, &open) == 0 && open.st_dev == wanted.st_dev &&
-           open.st_ino == wanted.st_ino;
-}
-
 /// Whether the failure to make a file says something about the place rather than about the
 /// moment: only then is there no better way than to write in place.
 bool noFileCanBeMade(int error)
@@ -94,7 +86,9 @@ int openSystemLink(const std::string &path)
     struct stat found = {};
     const bool isFile = stat(path.c_str(), &found) == 0 && S_ISREG(found.st_mode);
     for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
-        if (isFile && isOpenAs(descriptor, found))
+        struct stat open = {};
+        if (isFile && fstat(descriptor, &open) == 0 && open.st_dev == found.st_dev &&
+            open.st_ino == found.st_ino)
             return dup(descriptor);
     }
     return openInPlace(path);

@@ -17,9 +17,9 @@ XMLNode *copySubtree(const XMLNode *source, CopyOne copyOne)
         XMLNode **end;        ///< the link that the next child is to hang from
     };
     XMLNode *top = copyOne(source);
-    if (!top || !source->firstChild)
-        return top;
-    std::vector<Level> levels{{source->firstChild, top, top->childrenEnd()}};
+    std::vector<Level> levels;
+    if (top && source->firstChild)
+        levels.push_back({source->firstChild, top, top->childrenEnd()});
     while (!levels.empty()) {
         Level &level = levels.back();
         const XMLNode *node = level.next;
@@ -28,14 +28,13 @@ XMLNode *copySubtree(const XMLNode *source, CopyOne copyOne)
             continue;
         }
         level.next = node->nextSibling;
-        XMLNode *copy = copyOne(node);
-        if (!copy)
-            continue;
-        copy->parent = level.parent;
-        *level.end = copy;
-        level.end = &copy->nextSibling;
-        if (node->firstChild)
-            levels.push_back({node->firstChild, copy, copy->childrenEnd()});
+        if (XMLNode *copy = copyOne(node)) {
+            copy->parent = level.parent;
+            *level.end = copy;
+            level.end = &copy->nextSibling;
+            if (node->firstChild)
+                levels.push_back({node->firstChild, copy, copy->childrenEnd()});
+        }
     }
     return top;
 }
