@@ -1,6 +1,7 @@
 // The walk from within: errors that return, bounds, and what the command line does not reach.
 
 #include "command.h"
+#include "macrovalues.h"
 #include "written.h"
 #include "xmlpp2.h"
 
@@ -28,6 +29,18 @@ public:
     /// Leaves out what all messages begin with.
     void reportError(const std::string &message) override { errors += " ! " + message.substr(30); }
 
+    /// One of them comes with a child.
+    XMLElement *createElement(const char *name) override
+    {
+        XMLElement *element = XMLPP2::createElement(name);
+        if (std::string_view(name) == "own") {
+            element->firstChild = XMLPP2::createElement("c");
+            element->firstChild->parent = element;
+            static_cast<XMLElement *>(element->firstChild)->setAttribute("v", "$(x)");
+        }
+        return element;
+    }
+
     void read(std::string document)
     {
         const CurrentPool current(this);
@@ -51,6 +64,14 @@ public:
     std::string directory = "no";
     std::string errors;
 };
+
+std::string repeated(int times, const std::string &piece)
+{
+    std::string all;
+    while (times-- > 0)
+        all += piece;
+    return all;
+}
 
 struct Row {
     const char *document;
@@ -99,7 +120,8 @@ TEST(Walk, LeavesAttributesAloneWithoutExpansion)
     expectWalks(
         {{"<r><define name='x' value='$(y:2)'/><if x='$(y:2)'><a v='$(x)'/></if></r>",
           "<r><a v='$(x)'/></r>"},
-         {"<r><xmldef name='f'><a v='$(x)'/></xmldef><xmlput name='f' macros='x=1'/>"
+         {"<r><define name='x' value='2'/><xmldef name='f'><a v='$(x)'/></xmldef>"
+          "<xmlput name='f' macros='x=1'/>"
           "<xmlput name='f' macros='x=1' expand_macros=''/><xmlput name='f' expand_macros=''/></r>",
           "<r><a v='$(x)'/><a v='1'/><a v='$(x)'/></r>"}},
         {}, false);
@@ -127,12 +149,67 @@ TEST(Walk, StartsAnywhereInAChain)
     recorder.walk(nullptr);
 }
 
+/// The first put is walked, and from the second one on a fragment without directives is not.
+TEST(Fragments, BecomeTheSameHoweverOftenTheyArePut)
+{
+    const std::string year = globalMacros.expandMacros({{"DateYear", ""}}, "$(DateYear)", false);
+    for (const auto &[fragment, x0, x1] : std::vector<std::array<std::string, 3>>{
+             {"<a v='$(x)-$(x)' w='l'><b/><b><c v='$(u:d)'/></b></a><e v='$(x)'/>",
+              "<a v='0-0' w='l'><b/><b><c v='d'/></b></a><e v='0'/>",
+              "<a v='1-1' w='l'><b/><b><c v='2'/></b></a><e v='1'/>"},
+             {"<a v='$(u)' w='$(u::a:b)' x='$(u:)' y='' z/>", "<a v='$(u)' w='a:b' x='' y=''/>",
+              "<a v='2' w='2' x='2' y=''/>"},
+             {"<a v='$$(x)$' w='$(x'/>", "<a v='$0$' w='(x'/>", "<a v='$1$' w='(x'/>"},
+             {"<a v='$(u:$(x))' w='$(u(x))'/>", "<a v='0' w='$(u(x))'/>", "<a v='2' w='$(u(x))'/>"},
+             {"<a v='$(DateX)$(ref)' w='$(e:d)'/>", "<a v='$(DateX)$(x)' w=''/>",
+              "<a v='3$(x)' w=''/>"},
+             {"<a v='$(DateYear)'/>", "<a v='$(DateYear)'/>", "<a v='" + year + "'/>"},
+             {"<a v='$(x)'/><define name='x' value='4'/><b v='$(x)'/>", "<a v='0'/><b v='4'/>",
+              "<a v='1'/><b v='4'/>"},
+             {"<a v='$(x)'/><xmlput name='g' macros='y=$(x)'/>", "<a v='0'/><g v='0' null=''/>",
+              "<a v='1'/><g v='1' null=''/>"},
+             {"1<a><!--$(x)-->2<b v='$(x)'/></a><![CDATA[3]]>",
+              "1<a><!--$(x)-->2<b v='0'/></a><![CDATA[3]]>",
+              "1<a><!--$(x)-->2<b v='1'/></a><![CDATA[3]]>"},
+             {"<a v='$(x)'/><own/>", "<a v='0'/><own><c v='0'/><c v='0'/></own>",
+              "<a v='1'/><own><c v='1'/><c v='1'/></own>"},
+             {"<a/>", "<a/>", "<a/>"},
+         }) {
+        const std::string puts =
+            "<xmlput name='f'/><p><xmlput name='f' macros='x=1;u=2;DateX=3;DateYear=4'/></p>";
+        Recorder recorder(fragment.starts_with("1"));
+        recorder.read("<r><define name='ref' value='$(x)'/><define name='x' value='0'/>"
+                      "<define name='e' value=''/>"
+                      "<foreach e='1'><xmldef name='g'><g v='$(y)' "
+                      "null='$(u:)'/></xmldef></foreach><xmldef name='f'>" +
+                      fragment + "</xmldef>" + repeated(3, puts) +
+                      "<xmldef name='f'><n/></xmldef>" + repeated(3, "<xmlput name='f'/>") +
+                      "</r>");
+        EXPECT_EQ(recorder.walk(recorder.root),
+                  "<r>" + repeated(3, x0 + "<p>" + x1 + "</p>") + "<n/><n/><n/></r>");
+    }
+}
+
+TEST(Fragments, ExpandNoFurtherThanAnyText)
+{
+    Recorder recorder;
+    recorder.read("<r><xmldef name='f'><a v='" + repeated(65, "$(x:)") +
+                  "'/></xmldef><xmlput name='f'/><xmlput name='f' macros='x=" +
+                  std::string(1 << 20, '.') + "'/></r>");
+    EXPECT_THROW(recorder.walk(recorder.root), std::bad_alloc);
+}
+
 TEST(Limits, AreMetFromBothSides)
 {
     expectWalks(
         {{"<a><b><c/></b><b><c/></b></a>", "<a><b><c/></b><b><c/></b></a>"},
          {"<a><b><c><d/></c></b></a>",
           "<a><b><c><d/></c></b></a> ! nested more than 3 levels deep"},
+         {"<r><xmldef name='f'><a x='$(y:1)'/></xmldef><xmlput name='f'/><xmlput name='f'/></r>",
+          "<r><a x='1'/><a x='1'/></r>"},
+         {"<r><xmldef name='f'><a x='$(y:1)'/></xmldef><xmlput name='f'/><b><xmlput "
+          "name='f'/></b></r>",
+          "<r><a x='1'/><b><a x='$(y:1)'/></b></r> ! nested more than 3 levels deep"},
          {"<include filename='/b'/>",
           "<include filename='/b'/> ! more than 0 nested includes at /b"},
          {"<r><for index='i' start='0' end='8' incr='2'><a/></for></r>", "<r><a/><a/><a/><a/></r>"},
@@ -147,18 +224,12 @@ TEST(Limits, AreMetFromBothSides)
         {.nestedLevels = 3, .nestedIncludes = 0, .loopRounds = 4});
 }
 
-std::string repeated(int times, const std::string &piece)
-{
-    std::string all;
-    while (times-- > 0)
-        all += piece;
-    return all;
-}
-
 const std::string defaults = "<a v='" + repeated(50, "$(u:") + repeated(50, ")") + "'/>";
 const std::string fragments =
     "<xmldef name='empty'/><xmldef name='long'><a v='" + repeated(5000, "x") + "'/></xmldef>" +
-    "<xmldef name='defaults'>" + defaults + "</xmldef><xmldef name='rounds'>" +
+    "<xmldef name='copies'><a v='$(u:1)'/></xmldef><xmldef name='references'><a v='" +
+    repeated(100, "$(u)") + "'/></xmldef><xmldef name='defaults'>" + defaults +
+    "</xmldef><xmldef name='rounds'>" +
     "<for index='i' start='0' end='300000' incr='1'><![CDATA[]]></for></xmldef>";
 
 /// To do \a body twice is within \a limits, to do it 5,000 times is not.
@@ -179,7 +250,7 @@ void expectBound(const std::string &body, const Limits &limits, const std::strin
 
 TEST(Limits, BoundWhatDirectivesBringIn)
 {
-    for (const char *body : {"<a/>", "<include filename='a.xml'/>"}) {
+    for (const char *body : {"<a/>", "<include filename='a.xml'/>", "<xmlput name='copies'/>"}) {
         expectBound(body, {.growth = 50'000},
                     " ! directives bring more than 50000 bytes into the document");
     }
@@ -192,6 +263,8 @@ TEST(Limits, BoundWorkThatBringsLittleIn)
              std::string("<xmlput name='defaults'/>"),
              std::string("<include filename='a.xml'/>"),
              std::string("<xmlput name='rounds'/>"),
+             std::string(
+                 "<switch name='u'><case><xmlput name='references'/></case><default/></switch>"),
              "<ifex expression='1==1" + repeated(500, "+1") + "'/>",
              "<xmlput name='empty' macros='" + repeated(500, "a=1;") + "'/>",
              defaults,

@@ -25,6 +25,19 @@
 class MacroScopes final : public MacroLookup
 {
 public:
+    struct Value {
+        std::size_t start = 0;  ///< in the text
+        std::size_t length = 0;
+        std::size_t room = 0;  ///< bytes from the start that are free for this value
+        int depth = 0;         ///< of the level that defined it
+        bool isDefined = false;
+    };
+    struct Macro {
+        NameKey key;
+        std::string name;
+        Value value = {};
+    };
+
     /// The outermost level is \a outermostLevel, which must outlive this object and receives what
     /// is defined there.
     explicit MacroScopes(MacroMap *outermostLevel);
@@ -64,9 +77,18 @@ public:
     bool find(std::string_view name, std::string_view *value) override
     {
         const Macro *macro = defined(name);
-        if (macro)
-            *value = {text.data() + macro->value.start, macro->value.length};
-        return macro;
+        return macro && get(*macro, value);
+    }
+
+    /// The macro of that name, whether it is defined or not, for who asks for it again and again. It
+    /// stays where it is as long as this object.
+    const Macro *place(std::string_view name) { return &findOrAdd(name); }
+    /// find() for a macro whose place is known.
+    bool get(const Macro &macro, std::string_view *value) const
+    {
+        if (macro.value.isDefined)
+            *value = {text.data() + macro.value.start, macro.value.length};
+        return macro.value.isDefined;
     }
 
     /// Defines a macro on the innermost level, whether there was one of that name or not. \a newValue
@@ -85,18 +107,6 @@ public:
     }
 
 private:
-    struct Value {
-        std::size_t start = 0;  ///< in the text
-        std::size_t length = 0;
-        std::size_t room = 0;  ///< bytes from the start that are free for this value
-        int depth = 0;         ///< of the level that defined it
-        bool isDefined = false;
-    };
-    struct Macro {
-        NameKey key;
-        std::string name;
-        Value value = {};
-    };
     struct Change {
         Macro *macro;
         Value before;

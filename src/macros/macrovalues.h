@@ -72,6 +72,19 @@ public:
                             std::uint64_t *steps) const;
     static constexpr std::size_t notPlain = SIZE_MAX;
 
+    /// A reference, and what stands before it; or what stands behind the last one.
+    struct Piece {
+        std::string_view literal;
+        std::string_view name;  ///< of the macro
+        std::string_view
+            fallback;  ///< for where there is none, which begins where the literal ends
+                       ///< if it is the reference as written
+        bool isLast;
+    };
+    /// \a text cut at its references, for who expands it again and again: its expansion is what the
+    /// pieces are one behind the other. None where that would not be all, as for expandPlain().
+    std::vector<Piece> cut(std::string_view text) const;
+
     /// What bounds an expansion.
     struct Limits {
         int passes = 1000;

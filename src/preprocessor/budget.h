@@ -52,6 +52,7 @@ enum class Price : std::uint32_t {
     PathPart = 500,       ///< of its name
     IncludedByte = 28,    ///< of the pool, for what was read
     CountedRound = 4,     ///< of a loop whose rounds cannot be computed
+    FragmentPiece = 50,   ///< of a value, put together from literal text and macros
     SharedByte = 10,      ///< of text that is written for one more copy
     DocumentByte = 300,   ///< what each byte of the document adds to the bound
 };

@@ -68,6 +68,7 @@ struct Outcome {
         Branch,   ///< all its children are walked; those of its child \a node are put in its place
         Replace,  ///< \a node is put in its place; only the children of that are walked
         Copies,   ///< \a copies are put in its place and walked there, on its own level
+        Insert,   ///< \a copies are put in its place; there is nothing to be walked in them
     };
 
     Action action = Action::Keep;

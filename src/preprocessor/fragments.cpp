@@ -30,13 +30,20 @@ std::uint64_t textOfNode(const XMLNode &node)
     return bytes;
 }
 
-/// Notes that \a fragment is copied once more.
-void noteCopy(Run &run, const XMLNode *fragment)
+/// Notes that \a fragment is copied once more. Returns what makes copies of it fast; null for the
+/// first one, which alone would not pay for that, and where there are too many.
+FragmentTemplate *noteCopy(Run &run, const XMLElement &fragment)
 {
-    const auto [entry, isNew] = run.textOfFragments.try_emplace(fragment);
-    if (isNew)
-        entry->second = textOf(fragment, UINT64_MAX);
-    run.sharedText += entry->second;
+    const auto [entry, isNew] = run.fragments.try_emplace(&fragment);
+    auto &[text, prepared] = entry->second;
+    if (isNew) {
+        text = textOf(&fragment, UINT64_MAX);
+    } else if (!prepared && text <= run.textToPrepare) {
+        run.textToPrepare -= text;
+        prepared = std::make_unique<FragmentTemplate>(fragment, &run.macros);
+    }
+    run.sharedText += text;
+    return prepared.get();
 }
 
 }  // namespace
@@ -85,9 +92,14 @@ Outcome handleXmlput(Run &run, XMLElement &element, const Level &level)
         run.report(std::string("xmlput cannot fine xmldef named ").append(name));
         return Outcome::keep();
     }
-    noteCopy(run, stored->second);
-    auto *const copy = static_cast<XMLElement *>(run.document.copyNode(stored->second, nullptr));
-    return {Outcome::Action::Unwrap, copy, run.contentFor(element, level)};
+    const auto &fragment = static_cast<const XMLElement &>(*stored->second);
+    FragmentTemplate *const prepared = noteCopy(run, fragment);
+    auto content = run.contentFor(element, level);
+    Outcome outcome{.action = Outcome::Action::Insert, .copies = {element.parent}};
+    if (prepared && content->level.expand && prepared->copy(&run, &outcome.copies))
+        return outcome;
+    auto *const copy = static_cast<XMLElement *>(run.document.copyNode(&fragment, nullptr));
+    return {Outcome::Action::Unwrap, copy, std::move(content)};
 }
 
 }  // namespace directive

@@ -2,6 +2,7 @@
 
 #include "budget.h"
 #include "directive.h"
+#include "fragmenttemplate.h"
 #include "macroscopes.h"
 #include "simpleexpressionparser.h"
 #include "xmlpp2.h"
@@ -70,7 +71,15 @@ public:
     const Limits &limits;
     MacroScopes macros;
     Budget budget;
-    std::unordered_map<const XMLNode *, std::uint64_t> textOfFragments;  ///< that were put
+    int depth = 1;  ///< levels of the tree as the walk met them, directives included
+
+    struct Fragment {
+        std::uint64_t text = 0;                      ///< see textOf()
+        std::unique_ptr<FragmentTemplate> prepared;  ///< once it is put again
+    };
+    std::unordered_map<const XMLNode *, Fragment> fragments;  ///< that were put
+    /// What templates may still be made of, in bytes of text. They take memory that no bound counts.
+    std::uint64_t textToPrepare = std::uint64_t{1} << 20;
     std::uint64_t sharedText = 0;    ///< bytes that all copies of fragments share with these
     const XMLNode *const firstRoot;  ///< the document's root before the walk
 

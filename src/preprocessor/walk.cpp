@@ -60,6 +60,9 @@ XMLNode **Walk::carryOut(const Outcome &outcome, XMLNode **link, XMLElement &ele
     case Outcome::Action::Copies:
         *link = outcome.copies.endWith(element.nextSibling);
         return link;
+    case Outcome::Action::Insert:
+        *link = outcome.copies.endWith(element.nextSibling);
+        return outcome.copies.last ? &outcome.copies.last->nextSibling : link;
     }
     return link;
 }
@@ -97,7 +100,7 @@ XMLNode **Walk::walkBranches(XMLElement &selected, XMLNode **link, XMLElement &e
     if (!run.stopPastBounds())
         link = put(selected, link, element, nullptr, level);
     walkChain(&selected.nextSibling, nullptr, level);
-    --depth;
+    --run.depth;
     return link;
 }
 
@@ -125,15 +128,15 @@ XMLNode **Walk::walkContent(XMLNode **link, const XMLNode *end, const Content *c
         const MacroScopes::Scope scope(&run.macros);
         link = walkChain(link, end, level);
     }
-    --depth;
+    --run.depth;
     return link;
 }
 
 /// Goes one level deeper; false, after an error was reported, where that is too deep.
 bool Walk::enter()
 {
-    if (depth < run.limits.nestedLevels) {
-        ++depth;
+    if (run.depth < run.limits.nestedLevels) {
+        ++run.depth;
         return true;
     }
     run.stopTooDeep(run.limits.nestedLevels);

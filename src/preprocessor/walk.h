@@ -14,7 +14,8 @@
 /// up to the node that followed the directive. So every node that the walk meets hangs where it
 /// will stay, with the parent that it will keep, and is moved once, however many directives are
 /// nested in each other. The macros that it defines there are forgotten when that node is
-/// reached: scopes follow the directives that were there, not the chain that is left.
+/// reached: scopes follow the directives that were there, not the chain that is left. Only copies of
+/// a fragment that come expanded are passed over.
 ///
 /// A switch alone has its children walked where they are, since directives in all its branches are
 /// executed; only when the walk comes to the selected branch, what is in that is put in the place
@@ -52,5 +53,4 @@ private:
                       const Content &content);
 
     directive::Run run;
-    int depth = 1;  ///< levels of the tree as the walk met them, directives included
 };
