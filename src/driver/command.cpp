@@ -93,11 +93,18 @@ void execute(const Program &program, int argc, char **argv)
     }
 }
 
-bool preprocess(XMLPP2 *document, Arguments arguments)
+Limits limits()
 {
+    Limits bounds;
     rlimit stack = {};
     if (getrlimit(RLIMIT_STACK, &stack) == 0 && stack.rlim_cur != RLIM_INFINITY)
-        document->limits.fitStack(stack.rlim_cur);
+        bounds.fitStack(stack.rlim_cur);
+    return bounds;
+}
+
+bool preprocess(XMLPP2 *document, Arguments arguments)
+{
+    document->limits = limits();
     if (!document->preprocessFile(arguments[0], arguments.size() > 2 ? arguments[2] : "", true)) {
         std::fprintf(stderr, "load error %s at %d\n", document->errorMessage, document->errorLine);
         return false;

@@ -23,6 +23,9 @@ struct Program {
 /// standard error and status 1.
 [[noreturn]] void execute(const Program &program, int argc, char **argv);
 
+/// The bounds of a run on the stack that the process has.
+Limits limits();
+
 /// Loads the document that \a arguments (INFILE OUTFILE [MACROS [DOCTYPE]]) name, executes its
 /// directives and gives it the DOCTYPE. A file that cannot be loaded is one line on standard error and
 /// false.

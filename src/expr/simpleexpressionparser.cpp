@@ -32,6 +32,19 @@ ExpressionObject *SimpleExpressionParser::lookupScopedSymbol(const std::vector<s
     throw ParserException(joined(parts).append(" symbol not found"));
 }
 
+std::string SimpleExpressionParser::failureOf(const char *text)
+{
+    try {
+        const PlainValue value = evaluate(text);
+        return value.isNumeric()                  ? "a number is no truth value"
+               : value.isBoolean()                ? "a truth value is no number"
+               : value.kind == PlainValue::String ? "a string is no number and no truth value"
+                                                  : "it is empty";
+    } catch (const ParserException &error) {
+        return error.message();
+    }
+}
+
 PlainValue SimpleExpressionParser::evaluateWanted(const char *text,
                                                   bool (PlainValue::*isWanted)() const, bool *ok)
 {

@@ -10,7 +10,7 @@ Run::Run(XMLPP2 *target, MacroMap *outermostMacros)
       limits(target->limits),
       macros(outermostMacros),
       budget(target->limits, *target, macros),
-      firstRoot(target->root)
+      firstRoot(static_cast<const XMLElement *>(target->root))
 {
 }
 
@@ -38,6 +38,12 @@ std::unique_ptr<Content> Run::contentFor(const XMLElement &directive, const Leve
     if (hasMacros)
         budget.spend(Price::Nanosecond, macros.setList(attributeText(directive, "macros")));
     return content;
+}
+
+void Run::tellExpression(const std::string &text, SimpleExpressionParser *failed)
+{
+    const std::string failure = failed ? failed->failureOf(text.c_str()) : "";
+    document.expressionRead(*document.executed, text, failed ? failure.c_str() : nullptr);
 }
 
 void Run::report(const std::string &message)

@@ -34,6 +34,8 @@ public:
         parser.maximumDepth = limits.expressionDepth;
         const Value value = (parser.*evaluate)(text.c_str(), ok);
         budget.spend(Price::Nanosecond, parser.steps());
+        if (document.readsExpressions)
+            tellExpression(text, *ok ? nullptr : &parser);
         // It would have a value on a larger stack, and nothing may be lost for that.
         if (parser.wasTooDeep && limits.expressionDepth < Limits().expressionDepth)
             stopTooDeep(limits.expressionDepth);
@@ -80,10 +82,13 @@ public:
     std::unordered_map<const XMLNode *, Fragment> fragments;  ///< that were put
     /// What templates may still be made of, in bytes of text. They take memory that no bound counts.
     std::uint64_t textToPrepare = std::uint64_t{1} << 20;
-    std::uint64_t sharedText = 0;    ///< bytes that all copies of fragments share with these
-    const XMLNode *const firstRoot;  ///< the document's root before the walk
+    std::uint64_t sharedText = 0;       ///< bytes that all copies of fragments share with these
+    const XMLElement *const firstRoot;  ///< the document's root before the walk
 
 private:
+    /// Calls expressionRead(). Where the expression has failed, \a failed is what evaluated it.
+    void tellExpression(const std::string &text, SimpleExpressionParser *failed);
+
     bool stopped = false;
 };
 

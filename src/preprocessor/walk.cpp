@@ -29,10 +29,13 @@ XMLNode **Walk::walkChain(XMLNode **link, const XMLNode *end, const Level &level
         auto &element = static_cast<XMLElement &>(**link);
         if (level.expand)
             run.expandAttributes(element);
-        if (directive::Handler *const handler = directive::findDirective(element.name()))
-            link = carryOut(handler(run, element, level), link, element, level);
-        else
+        directive::Handler *const handler = directive::findDirective(element.name());
+        if (!handler) {
             link = keep(element, level);
+            continue;
+        }
+        run.document.executed = &element;
+        link = carryOut(handler(run, element, level), link, element, level);
     }
     return link;
 }
@@ -149,6 +152,8 @@ void Walk::finishRoot()
     const XMLNode *root = run.document.root;
     directive::chargeSharedText(run);
     if (root && !run.stopPastBounds() &&
-        (root->nextSibling || root->kind() != XMLNode::Kind::Element))
+        (root->nextSibling || root->kind() != XMLNode::Kind::Element)) {
+        run.document.executed = run.firstRoot;
         run.report("the document needs exactly one root element");
+    }
 }
