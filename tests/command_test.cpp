@@ -35,8 +35,10 @@ public:
         }
         const std::string path = fs::path(XMLPP_COMMAND).parent_path();
         // Another build's program is tested with its directory in the environment: tools/cases.
-        const std::string script =
-            "PATH=${XMLPP_DIRECTORY:-'" + path + "'}:$PATH\nexec 2>&1\n" + parts.at("run");
+        const std::string script = "PATH=${XMLPP_DIRECTORY:-'" + path +
+                                   "'}:$PATH\n"
+                                   "examples='" XMLPP_SOURCES "/examples'\nexec 2>&1\n" +
+                                   parts.at("run");
         const CommandResult result = runCommand({"/bin/sh", "-c", script}, scratch.path());
         std::string prints = result.output;
         if (result.status != 0)
