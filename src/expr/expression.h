@@ -5,10 +5,7 @@
 #include <algorithm>
 
 class BinaryExpression;
-class Expression;
 struct OperatorRow;
-
-using OwnedExpression = std::unique_ptr<Expression>;
 
 /// A node of the tree that a parser makes of an expression. It owns its children, none of which is
 /// null, and does not change once it is made. A parser that it points to must live as long as it is
@@ -45,6 +42,8 @@ protected:
 private:
     int levels;
 };
+
+using OwnedExpression = std::unique_ptr<Expression>;
 
 /// What the nodes below have in common: dump() follows from dumpTo().
 class TreeExpression : public Expression

@@ -273,17 +273,10 @@ private:
     {
         if (lexer.kind() != Token::Identifier)
             return nullptr;
-        if (lexer.tokenIs("struct"))
-            return readSuffixes(readStruct());
-        if (lexer.tokenIs("register"))
-            return readSuffixes(readRegister());
-        OwnedType type = readSimpleType();
-        return type ? readSuffixes(std::move(type)) : nullptr;
-    }
-
-    OwnedType readSuffixes(OwnedType type)
-    {
-        for (;;) {
+        OwnedType type = lexer.tokenIs("struct")     ? readStruct()
+                         : lexer.tokenIs("register") ? readRegister()
+                                                     : readSimpleType();
+        while (type) {
             if (lexer.kind() == Token::Star) {
                 lexer.next();
                 type = make<PointerType>(std::move(type));
@@ -293,9 +286,10 @@ private:
                 take(Token::RightBracket, "']' expected");
                 type = make<ArrayType>(std::move(type), std::move(count));
             } else {
-                return type;
+                break;
             }
         }
+        return type;
     }
 
     // The words of a simple type. One of the first, which stand in the order of its codes, completes it.

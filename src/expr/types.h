@@ -5,10 +5,6 @@
 #include <algorithm>
 #include <vector>
 
-class BaseType;
-
-using OwnedType = std::unique_ptr<BaseType>;
-
 /// What a cast converts to, as written in the text. A description owns what it is made of and does
 /// not change once it is read.
 class BaseType
@@ -37,6 +33,8 @@ protected:
 private:
     int levels;
 };
+
+using OwnedType = std::unique_ptr<BaseType>;
 
 class SimpleType : public BaseType
 {

@@ -13,28 +13,19 @@ constexpr std::uint8_t Name = 2;       ///< ASCII letters and digits, '_', ':' a
 constexpr std::uint8_t NameStart = 4;  ///< the same without digits
 constexpr std::uint8_t Plain = 8;      ///< written as it is, in values and character data
 
-constexpr std::uint8_t classify(unsigned byte)
-{
-    const bool isLetter = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
-    const bool isDigit = byte >= '0' && byte <= '9';
-    const bool startsName = isLetter || byte == '_' || byte == ':' || byte == '-';
-    const bool isEscaped = byte == '"' || byte == '&' || byte == '<' || byte == '>';
-    unsigned classes = 0;
-    if (byte == ' ' || (byte >= '\t' && byte <= '\r'))
-        classes |= Space;
-    if (startsName || isDigit)
-        classes |= Name;
-    if (startsName)
-        classes |= NameStart;
-    if (byte >= 0x20 && byte <= 0x7E && !isEscaped)
-        classes |= Plain;
-    return static_cast<std::uint8_t>(classes);
-}
-
 constexpr auto table = [] {
     std::array<std::uint8_t, 256> classes{};
-    for (unsigned byte = 0; byte != classes.size(); ++byte)
-        classes[byte] = classify(byte);
+    for (unsigned byte = 0; byte != classes.size(); ++byte) {
+        const bool isSpace = byte == ' ' || (byte >= '\t' && byte <= '\r');
+        const bool isLetter = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
+        const bool isDigit = byte >= '0' && byte <= '9';
+        const bool startsName = isLetter || byte == '_' || byte == ':' || byte == '-';
+        const bool isEscaped = byte == '"' || byte == '&' || byte == '<' || byte == '>';
+        const bool isPlain = byte >= 0x20 && byte <= 0x7E && !isEscaped;
+        const int all = (isSpace ? Space : 0) | (startsName || isDigit ? Name : 0) |
+                        (startsName ? NameStart : 0) | (isPlain ? Plain : 0);
+        classes[byte] = static_cast<std::uint8_t>(all);
+    }
     return classes;
 }();
 

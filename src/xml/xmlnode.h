@@ -175,23 +175,16 @@ private:
     const char *text;
 };
 
+template <XMLNode::Kind nodeKind>
+class XMLTextNode : public XMLText
+{
+public:
+    explicit XMLTextNode(const char *data) : XMLText(nodeKind, data) {}
+};
+
 /// Character data, its references decoded.
-class XMLData : public XMLText
-{
-public:
-    explicit XMLData(const char *data) : XMLText(Kind::Data, data) {}
-};
-
+using XMLData = XMLTextNode<XMLNode::Kind::Data>;
 /// The text between the delimiters of a comment.
-class XMLComment : public XMLText
-{
-public:
-    explicit XMLComment(const char *data) : XMLText(Kind::Comment, data) {}
-};
-
+using XMLComment = XMLTextNode<XMLNode::Kind::Comment>;
 /// The text between the delimiters of a CDATA section, taken literally.
-class XMLCDATASection : public XMLText
-{
-public:
-    explicit XMLCDATASection(const char *data) : XMLText(Kind::CDATASection, data) {}
-};
+using XMLCDATASection = XMLTextNode<XMLNode::Kind::CDATASection>;

@@ -10,6 +10,8 @@
 namespace
 {
 
+using namespace CharacterClass;
+
 /// Attributes of one tag up to which a new name is compared with each of them.
 constexpr std::size_t mostComparedNames = 16;
 
@@ -21,17 +23,10 @@ Char *findByte(char byte, Char *from)
     return found ? found : from + std::strlen(from);
 }
 
-/// What stands behind the name, which can be empty, that begins at \a from.
-char *passName(char *from)
+/// What stands behind the bytes of these classes, if any, that begin at \a from.
+char *pass(std::uint8_t classes, char *from)
 {
-    while (CharacterClass::is(CharacterClass::Name, *from))
-        ++from;
-    return from;
-}
-
-char *passSpace(char *from)
-{
-    while (CharacterClass::is(CharacterClass::Space, *from))
+    while (is(classes, *from))
         ++from;
     return from;
 }
@@ -58,15 +53,15 @@ XMLReader::XMLReader(XMLDocument *target, std::span<char> text)
 /// Reads a name, which can be empty, and the white space behind it.
 XMLReader::Span XMLReader::readName()
 {
-    const Span name{position, passName(position)};
-    position = passSpace(name.end);
+    const Span name{position, pass(Name, position)};
+    position = pass(Space, name.end);
     return name;
 }
 
 XMLNode *XMLReader::read()
 {
     const CurrentPool current(document);
-    position = passSpace(position);
+    position = pass(Space, position);
     while (*position == '<') {
         markupLine = lineAt(position);
         ++position;
@@ -123,13 +118,13 @@ bool XMLReader::readDeclaration()
 
 bool XMLReader::readDeclarationValue(const Span &name)
 {
-    position = passSpace(position + 1);
+    position = pass(Space, position + 1);
     if (*position != '"') {
         result = nullptr;
         return false;
     }
     const Span value{position + 1, findByte('"', position + 1)};
-    position = passSpace(passByte(value.end));
+    position = pass(Space, passByte(value.end));
     if (name.view() == "version")
         document->version = XMLDocument::copyString(value.start, value.length());
     else if (name.view() == "encoding")
@@ -193,12 +188,12 @@ bool XMLReader::readStartTag()
 {
     ampersands.passTo(position);
     dollars.passTo(position);
-    const Span name{position, passName(position)};
+    const Span name{position, pass(Name, position)};
     attributes.clear();
     if (!attributeIndex.empty())
         attributeIndex = {};
-    char *at = passSpace(name.end);
-    while (CharacterClass::is(CharacterClass::NameStart, *at))
+    char *at = pass(Space, name.end);
+    while (is(NameStart, *at))
         at = readAttribute(at);
     position = at;
     const char next = *at;
@@ -223,15 +218,15 @@ bool XMLReader::readStartTag()
 /// that has no value, or none in quotes, is passed over up to there.
 inline char *XMLReader::readAttribute(char *from)
 {
-    const Span name{from, passName(from)};
-    char *at = passSpace(name.end);
+    const Span name{from, pass(Name, from)};
+    char *at = pass(Space, name.end);
     if (*at != '=')
         return at;
-    at = passSpace(at + 1);
+    at = pass(Space, at + 1);
     if (*at != '"')
         return at;
     const Span value{at + 1, findByte('"', at + 1)};
-    at = passSpace(passByte(value.end));
+    at = pass(Space, passByte(value.end));
     lineAt(at);
     *name.end = '\0';
     *value.end = '\0';
@@ -288,10 +283,10 @@ bool XMLReader::readEndTag()
     char *at = position + 1;
     // A beginning of the open element's name will do, the empty one included.
     const char *expected = open.empty() ? "" : open.back().element->name();
-    for (; CharacterClass::is(CharacterClass::Name, *at) && *at == *expected; ++at)
+    for (; is(Name, *at) && *at == *expected; ++at)
         ++expected;
-    const bool matches = open.empty() || !CharacterClass::is(CharacterClass::Name, *at);
-    position = passSpace(passName(at));
+    const bool matches = open.empty() || !is(Name, *at);
+    position = pass(Space, pass(Name, at));
     if (!matches)
         return fail("tagName mismatch");
     if (*position != '>')
@@ -310,7 +305,7 @@ void XMLReader::readCharacterData()
     char *const start = position;
     // Mostly it is the end of a line and a short indentation.
     char *at = start;
-    for (int step = 0; step < 16 && CharacterClass::is(CharacterClass::Space, *at); ++step)
+    for (int step = 0; step < 16 && is(Space, *at); ++step)
         ++at;
     position = *at == '<' ? at : findByte('<', at);
     if (!document->keepComments || open.empty())
