@@ -270,7 +270,8 @@ private:
     void checkExecuted(const XMLElement &element)
     {
         const std::string asked = askedMacro(element);
-        const bool isInVain = isNamed(element, {"if", "ifnot", "switch"}) && !isDefined(asked);
+        const bool isInVain =
+            isNamed(element, {"if", "ifnot", "switch"}) && !asked.empty() && !isDefined(asked);
         const bool isLeft = std::ranges::any_of(element.attributes(), [](const XMLAttribute &each) {
             return textOf(each).find("$(") != std::string_view::npos;
         });

@@ -7,6 +7,7 @@
 
 #include <iterator>
 #include <map>
+#include <utility>
 
 namespace
 {
@@ -48,7 +49,7 @@ public:
     /// Checks \a first and its following siblings.
     void checkLevel(const XMLNode *first, int levels)
     {
-        std::vector<Definition> definitions;
+        Definitions definitions;
         for (const XMLNode *node = levels > 0 ? first : nullptr; node; node = node->nextSibling) {
             if (node->kind() == XMLNode::Kind::Data)
                 checkText(static_cast<const XMLText &>(*node));
@@ -57,26 +58,20 @@ public:
             else if (node->kind() == XMLNode::Kind::Element)
                 checkElement(static_cast<const XMLElement &>(*node), levels, &definitions);
         }
-        for (const auto &[macro, number, at] : definitions) {
-            if (std::max(names.mentions[macro], names.lastOpen) <= number)
+        for (const auto &[macro, at] : definitions) {
+            if (std::max(names.mentions[macro], names.lastOpen) <= elementsBefore + at.element)
                 messages.warn(at, "scope",
                               "nothing behind it on its level uses " + inQuotes(macro));
         }
     }
 
 private:
-    struct Definition {
-        std::string macro;
-        std::size_t number;  ///< of the element in the run
-        Place place;
-    };
+    using Definitions = std::vector<std::pair<std::string, Place>>;
 
-    void checkElement(const XMLElement &element, int levels, std::vector<Definition> *definitions)
+    void checkElement(const XMLElement &element, int levels, Definitions *definitions)
     {
-        ++names.elements;
-        ++elements;
         place.line = element.line + 1;
-        place.element = elements;
+        place.element = ++names.elements - elementsBefore;
         isInSwitch = !switches.empty() && element.parent == switches.back();
         checkName(element);
         checkBranch(element);
@@ -91,7 +86,6 @@ private:
 
     void checkBelow(const XMLElement &element, int levels)
     {
-        const Place here = place;
         const std::vector<std::string> macros = macrosOfLoop(element);
         for (const std::string &macro : macros)
             loopMacros.emplace(macro, names.elements);
@@ -102,7 +96,6 @@ private:
             switches.pop_back();
         for (const std::string &macro : macros)
             loopMacros.erase(std::prev(loopMacros.upper_bound(macro)));
-        place = here;
     }
 
     /// What a processing instruction holds is read as text, and goes as a comment does.
@@ -118,13 +111,13 @@ private:
         const auto newlines =
             std::ranges::count(data.substr(0, start), '\n') - data.starts_with('\n');
         const std::string_view shown = data.substr(start, data.find('\n', start) - start);
-        messages.warn({place.file, text.line + 1 + static_cast<int>(newlines), place.element},
-                      "text", "the text " + inQuotes(shown) + " is dropped");
+        messages.warn({place.file, text.line + 1 + static_cast<int>(newlines)}, "text",
+                      "the text " + inQuotes(shown) + " is dropped");
     }
 
     void checkSection(const XMLText &section)
     {
-        const Place at = {place.file, section.line + 1, place.element};
+        const Place at = {place.file, section.line + 1};
         forEachReference(section.data(), [&](const MacroReference &reference) {
             names.doubts.push_back({std::string(reference.name), at, "reference",
                                     inQuotes(reference.text) + " stays in a CDATA section"});
@@ -257,14 +250,14 @@ private:
     }
 
     /// What a loop defines is there in its next round, so that nothing need follow it.
-    void noteDefinition(const XMLElement &element, std::vector<Definition> *definitions)
+    void noteDefinition(const XMLElement &element, Definitions *definitions)
     {
         if (!isNamed(element, {"define"}))
             return;
         const std::string macro(attributeText(element, "name"));
         lastDefinitions[macro] = names.elements;
         if (loopMacros.empty() && element.parent && macro.find('$') == std::string::npos)
-            definitions->push_back({macro, names.elements, place});
+            definitions->emplace_back(macro, place);
     }
 
     void warn(const char *category, const std::string &text)
@@ -274,6 +267,7 @@ private:
 
     const bool isLatin1;
     Names &names;
+    const std::size_t elementsBefore = names.elements;  ///< those of other files
     Messages &messages;
     Place place;                                         ///< of the element that is checked
     std::size_t elements = 0;                            ///< of the file, up to that one

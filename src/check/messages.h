@@ -13,7 +13,7 @@
 struct Place {
     std::size_t file = 0;     ///< its number, see Messages::fileNumber(); 0 is the command line
     int line = 0;             ///< from 1; 0 for the command line
-    std::size_t element = 0;  ///< its number in the order in which elements were read
+    std::size_t element = 0;  ///< the number of the element in the file, from 1; 0 for what is none
 
     bool operator==(const Place &) const = default;
     bool operator<(const Place &other) const
