@@ -52,7 +52,7 @@ Parts partsOf(std::string_view reference, std::size_t colon)
 /// Whether it is worth asking MacroValues::readClock().
 bool canBeClock(std::string_view name)
 {
-    return name.starts_with('D') || name.starts_with('T');
+    return name.starts_with("Date") || name.starts_with("Time");
 }
 
 /// One expansion: passes over a text, each of which makes the text of the next.
@@ -289,28 +289,4 @@ std::size_t MacroValues::expandPlain(MacroLookup &macros, std::string_view text,
     const std::size_t used = plainExpansion(macros, text, macroIntroducer, room.first(most), &cost);
     *steps += cost / 1000;
     return used;
-}
-
-std::vector<MacroValues::Piece> MacroValues::cut(std::string_view text) const
-{
-    const std::string opening{macroIntroducer, '('};
-    std::vector<Piece> pieces;
-    for (;;) {
-        const std::size_t found = std::min(text.find(opening), text.size());
-        pieces.push_back({text.substr(0, found), {}, text.substr(found, 0), found == text.size()});
-        if (pieces.back().isLast)
-            return pieces;
-        text.remove_prefix(found);
-        std::size_t colon = std::string_view::npos;
-        const std::size_t end = endOfPlain(text, macroIntroducer, &colon);
-        if (end == text.size() || text[end] != ')')
-            return {};
-        const Parts parts = partsOf(text.substr(0, end + 1), colon);
-        std::string now;
-        if (canBeClock(parts.name) && readClock(parts.name, &now))
-            return {};
-        pieces.back().name = parts.name;
-        pieces.back().fallback = parts.fallback;
-        text.remove_prefix(end + 1);
-    }
 }

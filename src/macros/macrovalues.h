@@ -67,23 +67,11 @@ public:
     /// expand() for most texts, at less than half of the cost: into memory of the caller's. Returns
     /// how many bytes of \a room it has used, or notPlain where a reference holds another one or a
     /// parenthesis, is not closed, or may be a date, and where the room does not suffice. Adds to
-    /// *steps in any case.
+    /// *steps in any case. Macros are looked up in the order of their references, with what stands
+    /// for one that there is not in *value.
     std::size_t expandPlain(MacroLookup &macros, std::string_view text, std::span<char> room,
                             std::uint64_t *steps) const;
     static constexpr std::size_t notPlain = SIZE_MAX;
-
-    /// A reference, and what stands before it; or what stands behind the last one.
-    struct Piece {
-        std::string_view literal;
-        std::string_view name;  ///< of the macro
-        std::string_view
-            fallback;  ///< for where there is none, which begins where the literal ends
-                       ///< if it is the reference as written
-        bool isLast;
-    };
-    /// \a text cut at its references, for who expands it again and again: its expansion is what the
-    /// pieces are one behind the other. None where that would not be all, as for expandPlain().
-    std::vector<Piece> cut(std::string_view text) const;
 
     /// What bounds an expansion.
     struct Limits {

@@ -22,14 +22,10 @@ struct Level {
     const int includes;               ///< how many includes it is nested in
 };
 
-/// A level of its own for what comes from elsewhere, an included file or a fragment. The macros
-/// that it begins with are in force as long as it lives.
+/// A level of its own for what \a directive brings from elsewhere, an included file or a fragment:
+/// \a outer, with the macros that the directive adds in force as long as it lives.
 struct Content {
-    Content(MacroScopes *scopes, std::string_view fileName, bool expand, int includes)
-        : macros(scopes),
-          level{fileName, expand, includes}
-    {
-    }
+    Content(Run *run, const XMLElement &directive, const Level &outer);
 
     MacroScopes::Scope macros;
     Level level;

@@ -94,12 +94,14 @@ Outcome handleXmlput(Run &run, XMLElement &element, const Level &level)
     }
     const auto &fragment = static_cast<const XMLElement &>(*stored->second);
     FragmentTemplate *const prepared = noteCopy(run, fragment);
-    auto content = run.contentFor(element, level);
-    Outcome outcome{.action = Outcome::Action::Insert, .copies = {element.parent}};
-    if (prepared && content->level.expand && prepared->copy(&run, &outcome.copies))
-        return outcome;
+    if (prepared && prepared->fits(run)) {
+        const Content content(&run, element, level);
+        Outcome outcome{.action = Outcome::Action::Insert, .copies = {element.parent}};
+        if (content.level.expand && prepared->copy(&run, &outcome.copies))
+            return outcome;
+    }
     auto *const copy = static_cast<XMLElement *>(run.document.copyNode(&fragment, nullptr));
-    return {Outcome::Action::Unwrap, copy, std::move(content)};
+    return {Outcome::Action::Unwrap, copy, run.contentFor(element, level)};
 }
 
 }  // namespace directive

@@ -3,14 +3,14 @@
 #include "macrovalues.h"
 #include "run.h"
 
-#include <algorithm>
+#include <new>
 
 namespace directive
 {
 
 FragmentTemplate::FragmentTemplate(const XMLElement &fragment, MacroScopes *scopes)
     : macros(*scopes),
-      nodes{{&fragment, 0, 0, 0}}
+      nodes{{&fragment, 0, 0, 0, nullptr}}
 {
     for (std::size_t parent = 0; parent < nodes.size(); ++parent) {
         const XMLNode *child = nodes[parent].source->firstChild;
@@ -21,7 +21,6 @@ FragmentTemplate::FragmentTemplate(const XMLElement &fragment, MacroScopes *scop
             }
         }
     }
-    made.resize(nodes.size());
 }
 
 /// False where the node asks for more than a copy.
@@ -29,103 +28,92 @@ bool FragmentTemplate::add(const XMLNode &source, std::size_t parent)
 {
     if (source.kind() == XMLNode::Kind::Element) {
         const auto &element = static_cast<const XMLElement &>(source);
-        if (findDirective(element.name()) || !addValues(element))
+        if (findDirective(element.name()))
             return false;
-    } else if (source.kind() == XMLNode::Kind::Other || source.firstChild) {
+        const std::span<const XMLAttribute> attributes = element.attributes();
+        for (std::size_t i = 0; i < attributes.size(); ++i) {
+            if (!cut(i, textOf(attributes[i])))
+                return false;
+        }
+    } else if (source.firstChild) {
         return false;
     }
-    nodes.push_back({&source, parent, nodes[parent].level + 1, values.size()});
+    nodes.push_back({&source, parent, nodes[parent].level + 1, pieces.size(), nullptr});
     return true;
 }
 
-bool FragmentTemplate::addValues(const XMLElement &element)
+/// Cuts a value by having it expanded. False where it is not plain.
+bool FragmentTemplate::cut(std::size_t attribute, std::string_view value)
 {
-    std::size_t index = 0;
-    for (const XMLAttribute &attribute : element.attributes()) {
-        const std::string_view value = textOf(attribute);
-        if (value.find('$') != std::string_view::npos) {
-            const std::vector<MacroValues::Piece> cut = globalMacros.cut(value);
-            if (cut.empty())
-                return false;
-            for (const auto &[literal, name, fallback, isLast] : cut)
-                pieces.push_back({literal, isLast ? nullptr : macros.place(name), fallback});
-            values.push_back({index, pieces.size(), unchanged});
-        }
-        ++index;
-    }
-    return true;
+    if (value.find('$') == std::string_view::npos)
+        return true;
+    pieces.push_back({attribute, value, nullptr, value});
+    text.resize(value.size());
+    std::uint64_t steps = 0;
+    return globalMacros.expandPlain(*this, value, text, &steps) != MacroValues::notPlain;
 }
 
-/// Puts all values together, with the macros in force. False where they become longer than \a most.
-bool FragmentTemplate::expandValues(Budget *budget, std::size_t most)
+/// The value that is being cut asks for its next macro: the last piece ends in front of it, and
+/// another one begins behind it.
+bool FragmentTemplate::find(std::string_view name, std::string_view *value)
 {
-    text.clear();
-    const Piece *piece = pieces.data();
-    for (Value &value : values) {
-        const std::size_t start = text.size();
-        value.start = unchanged;
-        for (const Piece *end = pieces.data() + value.piecesEnd; piece != end; ++piece) {
-            std::string_view replacement = piece->fallback;
-            if (piece->macro)
-                macros.get(*piece->macro, &replacement);
-            text.append(piece->literal).append(replacement);
-            // Of all replacements, a reference as it was written alone begins there.
-            if (replacement.data() != piece->literal.data() + piece->literal.size())
-                value.start = start;
-            if (text.size() > most)
-                return false;
-        }
-        budget->spendText(text.size() - start);
-        if (value.start == unchanged)
-            text.resize(start);
-        else
-            text.push_back('\0');
-    }
-    budget->spend(Price::FragmentPiece, pieces.size());
-    return true;
+    Piece rest = pieces.back();
+    const char *const reference = name.data() - 2;
+    const char *const end = value->data() + value->size() + (value->data() != reference);
+    pieces.back().literal = {rest.literal.data(), reference};
+    pieces.back().macro = macros.place(name);
+    pieces.back().fallback = *value;
+    rest.literal = {end, rest.literal.data() + rest.literal.size()};
+    pieces.push_back(rest);
+    return false;
+}
+
+bool FragmentTemplate::fits(const Run &run) const
+{
+    return !nodes.empty() && run.depth + nodes.back().level <= run.limits.nestedLevels;
 }
 
 bool FragmentTemplate::copy(Run *run, Chain *copies)
 {
-    const std::size_t most = std::min(run->budget.growthLeft(), globalMacros.limits.length);
-    if (nodes.empty() || run->depth + nodes.back().level > run->limits.nestedLevels ||
-        !expandValues(&run->budget, most))
-        return false;
-    const char *const expanded = XMLDocument::copyString(text.data(), text.size());
-    for (std::size_t index = 1; index < nodes.size(); ++index) {
-        XMLNode *const copy = copyNode(&run->document, index, expanded);
-        if (!copy)
+    run->budget.spend(Price::FragmentPiece, pieces.size());
+    const Piece *piece = pieces.data();
+    for (std::size_t index = 1; index < nodes.size() && !run->budget.isSpent(); ++index) {
+        auto &[source, parent, level, piecesEnd, copy] = nodes[index];
+        copy = run->document.copyOne(source);
+        if (!copy || copy->firstChild)
             return false;
-        made[index] = copy;
-        const std::size_t parent = nodes[index].parent;
+        for (const Piece *end = pieces.data() + piecesEnd; piece != end;)
+            piece = expandValue(piece, static_cast<XMLElement *>(copy), &run->budget);
         if (parent == 0) {
             copies->append(copy);
             continue;
         }
-        copy->parent = made[parent];
+        copy->parent = nodes[parent].copy;
         const bool isFirst = nodes[index - 1].parent != parent;
-        (isFirst ? copy->parent->firstChild : made[index - 1]->nextSibling) = copy;
+        (isFirst ? copy->parent->firstChild : nodes[index - 1].copy->nextSibling) = copy;
     }
     return true;
 }
 
-/// Null, now and from then on, where an element comes with something of its own.
-XMLNode *FragmentTemplate::copyNode(XMLDocument *document, std::size_t index, const char *expanded)
+/// Gives \a copy the value that begins with \a piece. Returns the first piece of the next one.
+const FragmentTemplate::Piece *FragmentTemplate::expandValue(const Piece *piece, XMLElement *copy,
+                                                             Budget *budget)
 {
-    const auto &[source, parent, level, valuesEnd] = nodes[index];
-    if (source->kind() != XMLNode::Kind::Element)
-        return document->copyNode(source, nullptr);
-    const auto &element = static_cast<const XMLElement &>(*source);
-    XMLElement *const copy = document->createElement(element.name());
-    if (copy->firstChild || !copy->addAttributes(element.attributes())) {
-        nodes.clear();
-        return nullptr;
+    text.clear();
+    for (;; ++piece) {
+        text.append(piece->literal);
+        if (!piece->macro)
+            break;
+        std::string_view value = piece->fallback;
+        macros.get(*piece->macro, &value);
+        if (text.append(value).size() > globalMacros.limits.length)
+            throw std::bad_alloc();
     }
-    for (std::size_t i = nodes[index - 1].valuesEnd; i < valuesEnd; ++i) {
-        if (values[i].start != unchanged)
-            copy->attributes()[values[i].attribute].value = expanded + values[i].start;
-    }
-    return copy;
+    budget->spendText(text.size());
+    if (text != piece->fallback)
+        copy->attributes()[piece->attribute].value =
+            XMLDocument::copyString(text.data(), text.size());
+    return piece + 1;
 }
 
 }  // namespace directive

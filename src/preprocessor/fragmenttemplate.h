@@ -3,7 +3,6 @@
 #include "budget.h"
 #include "directive.h"
 #include "macroscopes.h"
-#include "xmldocument.h"
 
 #include <cstddef>
 #include <string>
@@ -14,60 +13,55 @@ namespace directive
 {
 
 /// A fragment that was read once to be copied often, with the values of its attributes cut into
-/// literal text and the places of macros. A copy is a loop over its nodes that leaves nothing to be
-/// walked; nothing is looked up or searched for in it.
+/// literal text and macros. A copy is a loop over its nodes in which nothing is looked up or
+/// searched for, and it need not be walked.
 ///
-/// That holds for fragments without directives, where all macros are the same from the first node
-/// to the last, and whose references are plain (MacroValues::cut()). It leaves out what the walk
-/// does besides, which is why a copy is declined wherever one could tell: where the walk might meet
-/// a bound, which then ends it there with the message that it has for that, and where elements come
-/// with attributes or children of their own, as a subclass of the document can make them.
+/// That is for fragments without directives, where all macros are the same from the first node to
+/// the last, and with plain references (MacroValues::expandPlain()). What the walk does besides, a
+/// copy leaves out, so it is not for where one could tell: where the walk would go too deep, which
+/// it then reports, and where elements come with children, as those of a subclass can.
 ///
 /// The nodes are in the order of their levels. So a parent is copied before its children, siblings
 /// lie side by side, the last node is one of the deepest, and reading a fragment takes no stack.
-class FragmentTemplate
+class FragmentTemplate : private MacroLookup
 {
 public:
     /// \a fragment and \a scopes must outlive this object, and the fragment stay as it is.
     FragmentTemplate(const XMLElement &fragment, MacroScopes *scopes);
 
-    /// Appends to *copies what the fragment's children become with the macros in force. False where
-    /// they must be copied and walked; what is in *copies is of no use then.
+    /// Whether copies are to be had for where the walk is.
+    bool fits(const Run &run) const;
+
+    /// Appends to *copies what the fragment's children become with the macros in force; less where
+    /// the budget is spent before. False where they must be copied and walked after all.
     bool copy(Run *run, Chain *copies);
 
 private:
     struct Node {
         const XMLNode *source;
         std::size_t parent;  ///< its place in the nodes
-        int level;           ///< levels that the walk would enter for it
-        std::size_t valuesEnd;
-    };
-    /// The value of an attribute that holds references.
-    struct Value {
-        std::size_t attribute;  ///< its place in the element
+        int level;           ///< how many levels the walk would enter for it
         std::size_t piecesEnd;
-        std::size_t start;  ///< in the text; unchanged where the value is its own expansion
+        XMLNode *copy;
     };
+    /// A part of a value: literal text and the reference behind it. The last one has no macro, and the
+    /// whole value instead of a default.
     struct Piece {
+        std::size_t attribute;  ///< its place in the element
         std::string_view literal;
-        const MacroScopes::Macro *macro;  ///< null behind the last reference of a value
+        const MacroScopes::Macro *macro;
         std::string_view fallback;
     };
-    static constexpr std::size_t unchanged = SIZE_MAX;
 
     bool add(const XMLNode &source, std::size_t parent);
-    bool addValues(const XMLElement &element);
-    bool expandValues(Budget *budget, std::size_t most);
-    XMLNode *copyNode(XMLDocument *document, std::size_t index, const char *expanded);
+    bool cut(std::size_t attribute, std::string_view value);
+    bool find(std::string_view name, std::string_view *value) override;
+    const Piece *expandValue(const Piece *piece, XMLElement *copy, Budget *budget);
 
     MacroScopes &macros;
     std::vector<Node> nodes;  ///< the fragment itself first; empty where it cannot be copied here
-    std::vector<Value> values;
     std::vector<Piece> pieces;
-
-    // Of one copy. Members so that their memory is used again.
-    std::string text;  ///< of all values, with a NUL behind each
-    std::vector<XMLNode *> made;
+    std::string text;  ///< of one value; a member so that its memory is used again
 };
 
 }  // namespace directive

@@ -29,15 +29,24 @@ XMLElement *Run::copyExpanded(const XMLElement &source, MacroLookup &lookup)
     return copy;
 }
 
-std::unique_ptr<Content> Run::contentFor(const XMLElement &directive, const Level &level)
+Content::Content(Run *run, const XMLElement &directive, const Level &outer)
+    : macros(&run->macros),
+      level{outer.fileName, run->addMacros(directive, outer), outer.includes}
+{
+}
+
+bool Run::addMacros(const XMLElement &directive, const Level &level)
 {
     const bool hasMacros = (level.expand || directive.hasAttribute("expand_macros")) &&
                            directive.hasAttribute("macros");
-    auto content = std::make_unique<Content>(&macros, level.fileName, level.expand || hasMacros,
-                                             level.includes);
     if (hasMacros)
         budget.spend(Price::Nanosecond, macros.setList(attributeText(directive, "macros")));
-    return content;
+    return level.expand || hasMacros;
+}
+
+std::unique_ptr<Content> Run::contentFor(const XMLElement &directive, const Level &level)
+{
+    return std::make_unique<Content>(this, directive, level);
 }
 
 void Run::tellExpression(const std::string &text, SimpleExpressionParser *failed)

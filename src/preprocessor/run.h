@@ -51,6 +51,10 @@ public:
     /// A copy of \a source and the elements below it, their values expanded with \a lookup.
     XMLElement *copyExpanded(const XMLElement &source, MacroLookup &lookup);
 
+    /// Defines the macros of \a directive that are for what it brings in. Returns whether attribute
+    /// values are expanded there, where those on \a level are or not.
+    bool addMacros(const XMLElement &directive, const Level &level);
+
     /// The level for what \a directive brings in: \a level, with the macros that it adds to those
     /// in force.
     std::unique_ptr<Content> contentFor(const XMLElement &directive, const Level &level);

@@ -61,6 +61,9 @@ public:
     /// of its own.
     XMLNode *copyNode(const XMLNode *source, XMLNode *newParent);
 
+    /// copyNode() of \a source alone, linked to nothing.
+    XMLNode *copyOne(const XMLNode *source);
+
     int indent = 0;                    ///< spaces per level of the last write()
     bool keepComments;                 ///< whether comments and character data become nodes
     std::size_t readLimit = SIZE_MAX;  ///< bytes that a file or stream that is read may hold
@@ -73,7 +76,6 @@ public:
     int errorLine = 0;             ///< of the last failed load, counted from 0
 
 private:
-    XMLNode *copyOne(const XMLNode *source);
     bool parseOwn(std::span<char> text);
     bool readOn(FILE *stream, const char *fileName);
     bool fail(const char *message, const char *fileName);
