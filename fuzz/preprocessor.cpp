@@ -1,7 +1,7 @@
-// The whole preprocessor over files in memory, written as a case of tests/cases: a line
-// "--- file NAME" begins a file, and what stands before the first such line is in.xml. The macro
-// list is what a "--- run" has between its first two '.
+// The whole preprocessor over files in memory, written as a case of tests/cases. The macro list is
+// what a "--- run" has between its first two '.
 
+#include "caseparts.h"
 #include "check.h"
 #include "checker.h"
 #include "inputtext.h"
@@ -9,15 +9,12 @@
 #include "xmlpp2.h"
 
 #include <filesystem>
-#include <map>
 #include <new>
-#include <sstream>
 
 namespace
 {
 
-/// The parts of the case by what stands behind their "--- ".
-std::map<std::string, std::string> parts;
+Case parts;
 
 class FuzzedDocument : public XMLPP2
 {
@@ -25,19 +22,6 @@ public:
     /// As in the command, the first error ends the run.
     [[noreturn]] void reportError(const std::string &) override { throw std::bad_alloc(); }
 };
-
-void readParts(const std::string &input)
-{
-    parts.clear();
-    std::string *part = &parts["file in.xml"];
-    std::istringstream lines(input);
-    for (std::string line; std::getline(lines, line);) {
-        if (line.starts_with("--- "))
-            part = &parts[line.substr(4)];
-        else
-            *part += line + '\n';
-    }
-}
 
 std::string macroList()
 {
@@ -60,7 +44,7 @@ FILE *openFile(const std::string &name, const char *mode)
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const std::string input(reinterpret_cast<const char *>(data), size);
-    readParts(input);
+    parts = partsOf(input);
     globalMacros.limits.passes = 40;
     globalMacros.limits.length = 1 << 14;
     const Limits limits = {

@@ -43,34 +43,45 @@ private:
     std::string directory;
 };
 
+/// Starts \a arguments (the program first) in \a directory, for 60 seconds at most. Both standard
+/// streams go into the file \a prints. The new process calls \a prepare before it becomes the program.
+template <typename Prepare>
+pid_t startCommand(std::vector<std::string> arguments, const std::string &directory,
+                   const std::string &prints, Prepare prepare)
+{
+    const pid_t child = fork();
+    if (child != 0)
+        return child;
+    alarm(60);  // goes on counting in the program
+    std::vector<char *> argv;
+    for (std::string &argument : arguments)
+        argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    prepare();
+    if (chdir(directory.c_str()) == 0 && freopen(prints.c_str(), "wb", stdout) &&
+        dup2(STDOUT_FILENO, STDERR_FILENO) >= 0)
+        execv(argv[0], argv.data());
+    _exit(127);
+}
+
 /// What one run of a program did.
 struct CommandResult {
-    int status = 0;  ///< the exit status, or 128 and the signal that ended it
-    std::string output;
-    std::string error;
+    int status;  ///< the exit status, or 128 and the signal that ended it
+    std::string prints;
 };
 
-/// Runs \a arguments (the program first) in \a directory to its end, for 60 seconds at most.
-inline CommandResult runCommand(std::vector<std::string> arguments, const std::string &directory)
+/// The same from what waitpid() says of it.
+inline CommandResult resultOf(int status, const std::string &prints)
+{
+    return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status), readFile(prints)};
+}
+
+inline CommandResult runCommand(const std::vector<std::string> &arguments,
+                                const std::string &directory)
 {
     const ScratchDirectory scratch;
-    const std::string output = scratch.file("stdout");
-    const std::string error = scratch.file("stderr");
-    const pid_t child = fork();
-    if (child == 0) {
-        alarm(60);  // goes on counting in the program
-        std::vector<char *> argv;
-        argv.reserve(arguments.size() + 1);
-        for (std::string &argument : arguments)
-            argv.push_back(argument.data());
-        argv.push_back(nullptr);
-        if (chdir(directory.c_str()) == 0 && freopen(output.c_str(), "wb", stdout) &&
-            freopen(error.c_str(), "wb", stderr))
-            execv(argv[0], argv.data());
-        _exit(127);
-    }
+    const std::string prints = scratch.file("prints");
     int status = 0;
-    waitpid(child, &status, 0);
-    return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status), readFile(output),
-            readFile(error)};
+    waitpid(startCommand(arguments, directory, prints, [] {}), &status, 0);
+    return resultOf(status, prints);
 }

@@ -1,21 +1,17 @@
 // The command on whole documents: each case of tests/cases (see the README there) and each example
 // is a test of its own.
 
+#include "caseparts.h"
 #include "command.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
-#include <sstream>
 
 namespace
 {
 
 namespace fs = std::filesystem;
-
-/// The parts of a case by what stands behind their "--- ".
-using Case = std::map<std::string, std::string>;
 
 /// A case that says nothing else.
 const Case plainCase = {{"run", "xmlpp in.xml out.xml\n"}, {"prints", ""}, {"out", "(no file)"}};
@@ -36,23 +32,22 @@ public:
         const std::string path = fs::path(XMLPP_COMMAND).parent_path();
         // Another build's program is tested with its directory in the environment: tools/cases.
         const std::string script = "PATH=${XMLPP_DIRECTORY:-'" + path +
-                                   "'}:$PATH\n"
-                                   "examples='" XMLPP_SOURCES "/examples'\nexec 2>&1\n" +
+                                   "'}:$PATH\nexamples='" XMLPP_SOURCES "/examples'\n" +
                                    parts.at("run");
-        const CommandResult result = runCommand({"/bin/sh", "-c", script}, scratch.path());
-        std::string prints = result.output;
-        if (result.status != 0)
-            prints += "exit status " + std::to_string(result.status) + '\n';
-        EXPECT_EQ(prints, parts.at("prints")) << parts.at("run");
-        EXPECT_EQ(readFile(scratch.file("out.xml")), parts.at("out")) << parts.at("run");
+        auto [status, prints] = runCommand({"/bin/sh", "-c", script}, scratch.path());
+        if (status != 0)
+            prints += "exit status " + std::to_string(status) + '\n';
+        EXPECT_EQ(prints, parts.at("prints")) << script;
+        EXPECT_EQ(readFile(scratch.file("out.xml")), parts.at("out")) << script;
     }
 
 private:
     const Case parts;
 };
 
-void addTest(const fs::path &file, std::string title, const Case &parts)
+void addTest(const fs::path &file, std::string title, Case parts)
 {
+    parts.insert(plainCase.begin(), plainCase.end());
     // Punctuation means something to those who choose tests by their names.
     std::ranges::replace_if(
         title, [](unsigned char c) { return std::ispunct(c) && c != ','; }, '_');
@@ -62,23 +57,12 @@ void addTest(const fs::path &file, std::string title, const Case &parts)
 
 void addCases(const fs::path &file)
 {
-    std::istringstream lines(readFile(file) + "=== ");
-    std::string title;
-    std::string part;
-    Case parts;
-    for (std::string line; std::getline(lines, line);) {
-        if (line.starts_with("=== ")) {
-            if (!title.empty())
-                addTest(file, title, parts);
-            title = line.substr(4);
-            part = "file in.xml";
-            parts = plainCase;
-        } else if (line.starts_with("--- ")) {
-            part = line.substr(4);
-            parts[part].clear();
-        } else if (!line.empty()) {
-            parts[part] += line + '\n';
-        }
+    std::string text = readFile(file);
+    while (!text.empty()) {
+        const std::string title = text.substr(4, text.find('\n') - 4);
+        const std::size_t end = std::min(text.find("\n=== "), text.size() - 1) + 1;
+        addTest(file, title, partsOf(text.substr(title.size() + 4, end - title.size() - 4)));
+        text.erase(0, end);
     }
 }
 
@@ -89,10 +73,9 @@ void addExample(const fs::path &file)
     const std::size_t start = document.find("/run ") + 4;
     const std::string arguments = document.substr(start, document.find(" -->") - start);
     const fs::path directory = file.parent_path();
-    Case parts = plainCase;
-    parts["run"] = "cp -r '" + directory.string() + "' examples\nxmlpp" + arguments + '\n';
-    parts["out"] = readFile(directory / "expected" / file.filename());
-    addTest(directory, file.stem(), parts);
+    addTest(directory, file.stem(),
+            {{"run", "cp -r '" + directory.string() + "' examples\nxmlpp" + arguments + '\n'},
+             {"out", readFile(directory / "expected" / file.filename())}});
 }
 
 }  // namespace

@@ -31,22 +31,13 @@ TEST_F(Tree, LinksAndUnlinks)
     a->removeChild(d);
     EXPECT_EQ(treeText(a), "a(c)");
     EXPECT_EQ(b->nextSibling, c);
-    a->prependChild(b);
-    a->replaceChild(c, e);
-    EXPECT_EQ(treeText(a), "a(b,e)");
-    a->replaceChild(b, c);
-    EXPECT_EQ(treeText(a), "a(c,e)");
-}
-
-TEST_F(Tree, SplicesAWholeChain)
-{
-    XMLNode *g = document.createElement("g");
-    g->nextSibling = document.createElement("h");
-    a->insertAfter(b, d);
-    b->insertAfter(nullptr, document.createElement("f"));
-    EXPECT_EQ(treeText(a), "a(b(f),d,e,c)");
-    e->insertAfter(c, g);
-    EXPECT_EQ(treeText(a), "a(b(f),d,e(g,h),c)");
+    a->prependChild(document.createElement("f"));
+    c->insertAfter(nullptr, d);
+    e->insertAfter(nullptr, nullptr);
+    EXPECT_EQ(treeText(a), "a(f,c(d,e))");
+    a->replaceChild(c, document.createElement("g"));
+    a->insertAfter(a->firstChild, document.createElement("h"));
+    EXPECT_EQ(treeText(a), "a(f,h,g)");
 }
 
 TEST_F(Tree, KeepsAttributesInOrder)
@@ -54,7 +45,6 @@ TEST_F(Tree, KeepsAttributesInOrder)
     for (const auto &[name, value] :
          {std::pair("x", "1"), {"y", "1"}, {"z", "1"}, {"y", "2"}, {"n", nullptr}})
         a->setAttribute(name, value);
-    EXPECT_EQ(treeText(a), "a[x=1 y=2 z=1 n](b,c)");
     a->removeAttribute("x");
     a->removeAttribute("none");
     EXPECT_TRUE(!a->hasAttribute("x") && a->hasAttribute("n"));
@@ -64,8 +54,7 @@ TEST_F(Tree, KeepsAttributesInOrder)
     // More than an element has memory for at first.
     for (const char name : std::string("ABCDEFGHIJKLMNOPQR"))
         b->setAttribute(XMLDocument::copyString(&name, 1), nullptr);
-    b->removeAttribute("Q");
-    EXPECT_EQ(treeText(b), "b[A B C D E F G H I J K L M N O P R]");
+    EXPECT_EQ(treeText(b), "b[A B C D E F G H I J K L M N O P Q R]");
 }
 
 TEST_F(Tree, CopiesEveryKindAndSharesStrings)
@@ -101,50 +90,33 @@ TEST(Document, KeepsWhatElementsOfASubclassComeWith)
 {
     Furnished document(false);
     const CurrentPool current(&document);
-    std::string text = R"(<a x="1"><b/><c own="2"/></a>)";
+    std::string text = R"(<a x="1"><b own="2"/></a>)";
     ASSERT_TRUE(document.parse(text.data()));
-    const std::string read = "a[own=0 x=1](#own,b[own=0](#own),c[own=2](#own))";
-    EXPECT_EQ(treeText(document.root), read);
+    EXPECT_EQ(treeText(document.root), "a[own=0 x=1](#own,b[own=2](#own))");
     // What was read comes behind what each copy comes with.
     EXPECT_EQ(treeText(document.copyNode(document.root, nullptr)),
-              "a[own=0 x=1](#own,#own,b[own=0](#own,#own),c[own=2](#own,#own))");
-}
-
-TEST_F(Tree, CopiesAndWritesAnyDepth)
-{
-    XMLNode *inner = c;
-    for (int i = 0; i < 200'000; ++i, inner = inner->firstChild)
-        inner->appendChild(document.createElement("n"));
-    const XMLNode *copy = document.copyNode(c, nullptr);
-    const XMLNode *expanded = document.copyElementExpanded(c, {});
-    int depth = 0;
-    for (; copy && expanded; copy = copy->firstChild, expanded = expanded->firstChild)
-        ++depth;
-    EXPECT_EQ(depth, 200'001);
-    document.root = c;
-    EXPECT_TRUE(document.save("/dev/null", 0));
+              "a[own=0 x=1](#own,#own,b[own=2](#own,#own))");
 }
 
 TEST_F(Tree, ExpandsAttributes)
 {
     const MacroMap macros{{"m", "1"}, {"none", ""}};
     const char *same = "$(unknown)";
-    b->setAttribute("v", "$(m)2");
-    b->setAttribute("s", same);
-    b->setAttribute("e", "$(none)");
-    b->setAttribute("p", "");
-    b->setAttribute("n", nullptr);
-    b->appendChild(new XMLData("t"));
-    b->appendChild(e);
+    for (const auto &[name, value] :
+         {std::pair("v", "$(m)2"), {"s", same}, {"e", "$(none)"}, {"p", ""}, {"n", nullptr}})
+        b->setAttribute(name, value);
+    for (XMLNode *child : std::initializer_list<XMLNode *>{new XMLData("t"), new XMLNode, e})
+        b->appendChild(child);
     const XMLElement *copy = document.copyElementExpanded(b, macros);
     EXPECT_EQ(treeText(copy), "b[v=12 s=$(unknown) e p n](e)");
     EXPECT_NE(copy->attribute("s"), same);
     MapLookup lookup(&macros);
     std::uint64_t steps = 0;
     EXPECT_EQ(document.copyElementExpanded(b, lookup, &steps)->attribute("s"), same);
-    EXPECT_GT(steps, 0U);
+    EXPECT_GT(steps, 50U);
+    b->firstChild = nullptr;
     document.expandAttributes(b, macros);
-    EXPECT_EQ(treeText(b), "b[v=12 s=$(unknown) e= p= n](#t,e)");
+    EXPECT_EQ(treeText(b), "b[v=12 s=$(unknown) e= p= n]");
     EXPECT_EQ(b->attribute("s"), same);
 }
 
@@ -154,35 +126,24 @@ TEST_F(Tree, ExpandsWhereThePoolsBlockEnds)
         const std::string value(length, 'm');
         b->setAttribute("v", "$(m)");
         document.expandAttributes(b, {{"m", value}});
-        EXPECT_EQ(b->attribute("v"), value);
+        ASSERT_EQ(b->attribute("v"), value);
     }
 }
 
-TEST_F(Tree, ExpandsWhatIsSetAfterReading)
+TEST_F(Tree, KnowsWhichElementsHaveReferences)
 {
-    std::string text = R"(<r><x n="1"/><y n="1"/><z n="1"/></r>)";
+    std::string text = R"xml(<r><a n="1"/><b n="&#36;(m)"/><x n="1"/><y n="1"/><z n="1"/></r>)xml";
     ASSERT_TRUE(document.parse(text.data()));
-    auto *x = static_cast<XMLElement *>(document.root->firstChild);
-    auto *y = static_cast<XMLElement *>(x->nextSibling);
-    auto *z = static_cast<XMLElement *>(y->nextSibling);
-    x->setAttribute("n", "$(m)");
-    y->setAttribute("o", "$(m)");
-    z->attributes()[0].value = "$(m)";
-    for (XMLElement *element : {x, y, z})
+    std::vector<XMLElement *> elements;
+    for (XMLNode *child = document.root->firstChild; child; child = child->nextSibling)
+        elements.push_back(static_cast<XMLElement *>(child));
+    EXPECT_TRUE(elements[0]->isLiteral());
+    elements[2]->setAttribute("n", "$(m)");
+    elements[3]->appendAttribute("o", "$(m)");
+    elements[4]->attributes()[0].value = "$(m)";
+    for (XMLElement *element : elements)
         document.expandAttributes(element, {{"m", "2"}});
-    EXPECT_EQ(treeText(document.root), "r(x[n=2],y[n=1 o=2],z[n=2])");
-}
-
-TEST(Document, TellsWhatCannotBeReadOrWritten)
-{
-    const std::string absent = "/none/" + std::string(2000, 'x');
-    QXMLDocument document(false);
-    document.errorLine = 5;
-    EXPECT_FALSE(document.load(absent));
-    EXPECT_EQ(document.errorLine, 0);
-    EXPECT_EQ(document.errorMessage, ("couldn't read " + absent).substr(0, 1023));
-    EXPECT_FALSE(document.save(absent, 2));
-    EXPECT_EQ(document.errorMessage, ("couldn't write " + absent).substr(0, 1023));
+    EXPECT_EQ(treeText(document.root), "r(a[n=1],b[n=2],x[n=2],y[n=1 o=2],z[n=2])");
 }
 
 TEST(Document, ReadsUpToANulOrToTheLimit)
@@ -207,25 +168,28 @@ TEST(Document, ReadsUpToANulOrToTheLimit)
         {much, SIZE_MAX, "a", std::uintmax_t{1} << 40},
         {"<a/>", 1 << 20, "too long", std::uintmax_t{1} << 40},
     };
+    XMLDocument document(false);
+    const auto outcomeOf = [&](FILE *stream) {
+        std::fseek(stream, 1, SEEK_SET);  // a file is read from its start all the same
+        EXPECT_NE(document.read(stream), document.passedReadLimit);
+        std::fclose(stream);
+        return document.passedReadLimit ? "too long" : treeText(document.root);
+    };
     for (const auto &[text, limit, outcome, size] : rows) {
         scratch.write("a.xml", text);
+        document.readLimit = limit;
         if (size > 0)
             std::filesystem::resize_file(path, size);
-        const auto pipe = "cat " + path;
-        for (FILE *stream :
-             {fopen(path.c_str(), "rb"), size > 0 ? nullptr : popen(pipe.c_str(), "r")}) {
-            if (!stream)
-                continue;
-            XMLDocument document(false);
-            document.readLimit = limit;
-            std::fseek(stream, 1, SEEK_SET);  // a file is read from its start all the same
-            EXPECT_NE(document.read(stream), document.passedReadLimit);
-            EXPECT_EQ(document.passedReadLimit ? "too long" : treeText(document.root), outcome);
-            std::fclose(stream);
-        }
+        else
+            EXPECT_EQ(outcomeOf(popen(("cat " + path).c_str(), "r")), outcome);
+        EXPECT_EQ(outcomeOf(fopen(path.c_str(), "rb")), outcome);
     }
-    XMLDocument document(false);
     EXPECT_TRUE(document.load("/dev/zero"));
+    const std::string absent = "/none/" + std::string(2000, 'x');
+    document.errorLine = 5;
+    EXPECT_FALSE(document.load(absent.c_str()));
+    EXPECT_EQ(document.errorLine, 0);
+    EXPECT_EQ(document.errorMessage, ("couldn't read " + absent).substr(0, 1023));
 }
 
 }  // namespace

@@ -18,7 +18,6 @@ TEST(InstallationDirectory, IsTheCanonicalParentOfTheDirectory)
     fs::current_path(kit);
     // The text alone says what is one level up, wherever the directory really lies.
     for (const auto &[tool, directory] : {std::pair(kit + "//bin/./x/..//tool", kit),
-                                          {"bin/tool", kit},
                                           {"../kit/bin/tool", kit},
                                           {top + "/link/bin/tool", kit},
                                           {top + "/tools/tool", top},
@@ -29,8 +28,6 @@ TEST(InstallationDirectory, IsTheCanonicalParentOfTheDirectory)
         initInstallationDirectory(tool.c_str(), 1);
         EXPECT_EQ(installationDirectory(), directory) << tool;
     }
-    initInstallationDirectory("/bin/tool", 9);
-    EXPECT_EQ(installationDirectory(), "/");
     fs::current_path("/");
 }
 

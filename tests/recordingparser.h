@@ -22,7 +22,7 @@ inline std::string describe(const Value &value)
 class Variable : public ExpressionObject
 {
 public:
-    std::string text() override { return "a variable"; }
+    std::string text() override { return ""; }
     Value value() override { return current; }
     Value current;
 };
@@ -48,7 +48,7 @@ public:
     Value castValue(const BaseType &type, const Value &value) override
     {
         const auto *simple = dynamic_cast<const SimpleType *>(&type);
-        if (dynamic_cast<const UserType *>(&type))
+        if (type.name() == "size_t")
             return Value::fromDouble(value.toDouble(), 4);
         if (!simple)
             return noted("cast " + type.name(), value);
@@ -60,10 +60,6 @@ public:
     Value dereferenceValue(ExpressionObject *base, std::int32_t index) override
     {
         return noted("index " + std::to_string(index), Value::fromObject(base));
-    }
-    Value memberValue(const Value &value, const std::string &name) override
-    {
-        return noted("member " + name, value);
     }
     Value scopedMemberValue(const Value &value, const std::vector<std::string> &parts) override
     {
@@ -89,4 +85,25 @@ private:
         return value;
     }
     std::map<std::string, Variable> variables;
+};
+
+/// What evaluateUnsigned(), evaluateSigned() and evaluateBool() make of \a text: "8 8 none".
+inline std::string threeValues(SimpleExpressionParser *parser, const std::string &text)
+{
+    std::string all;
+    const auto add = [&](auto evaluate) {
+        bool ok = true;
+        const auto value = (parser->*evaluate)(text.c_str(), &ok);
+        all += all.empty() ? "" : " ";
+        all += ok ? std::to_string(value) : value == 0 ? "none" : "a value though not ok";
+    };
+    add(&SimpleExpressionParser::evaluateUnsigned);
+    add(&SimpleExpressionParser::evaluateSigned);
+    add(&SimpleExpressionParser::evaluateBool);
+    return all;
+}
+
+/// Makes a tree of every text, as any class does that may have rules of its own.
+class TreeOnly : public SimpleExpressionParser
+{
 };

@@ -15,17 +15,16 @@ inline std::string treeText(const XMLNode *node, bool lines = false)
     std::string text;
     if (node->kind() == XMLNode::Kind::Element) {
         const auto *element = static_cast<const XMLElement *>(node);
+        std::string attributes;
+        for (const auto &[name, value] : element->attributes())
+            attributes.append(" ").append(name).append(value ? "=" : "").append(value ? value : "");
         text = element->name();
-        for (const XMLAttribute &attribute : element->attributes()) {
-            text += (&attribute == element->attributes().data() ? "[" : " ");
-            text += attribute.name + (attribute.value ? "=" + std::string(attribute.value) : "");
-        }
-        text += element->attributes().empty() ? "" : "]";
+        text += attributes.empty() ? "" : "[" + attributes.substr(1) + "]";
     } else {
-        const std::string data = static_cast<const XMLText *>(node)->data();
-        const bool isCData = node->kind() == XMLNode::Kind::CDATASection;
-        text = (isCData ? "[" : node->kind() == XMLNode::Kind::Data ? "#" : "!") + data;
-        text += isCData ? "]" : "";
+        text = static_cast<const XMLText *>(node)->data();
+        text = node->kind() == XMLNode::Kind::CDATASection ? "[" + text + "]"
+               : node->kind() == XMLNode::Kind::Data       ? "#" + text
+                                                           : "!" + text;
     }
     text += lines ? "@" + std::to_string(node->line) : "";
     for (const XMLNode *child = node->firstChild; child; child = child->nextSibling) {
@@ -33,14 +32,4 @@ inline std::string treeText(const XMLNode *node, bool lines = false)
         text += child->parent == node ? "" : "<wrong parent>";
     }
     return text + (node->firstChild ? ")" : "");
-}
-
-/// Each case is an input, " => " and what \a outcome must make of it.
-template <typename Outcome>
-void expectAll(std::initializer_list<std::string> cases, Outcome outcome)
-{
-    for (const std::string &each : cases) {
-        const std::string text = each.substr(0, each.find(" => "));
-        EXPECT_EQ(text + " => " + outcome(text), each);
-    }
 }

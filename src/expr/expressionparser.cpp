@@ -35,7 +35,7 @@ private:
     /// binary = unary { operator of the level or a tighter one, binary of a tighter level than its }
     OwnedExpression parseBinary(std::int32_t level)
     {
-        const Nesting nesting(this);
+        enter();
         const std::size_t sizeBefore = size;
         OwnedExpression left = parseUnary();
         while (lexer.precedence() >= level && lexer.precedence() <= Token::tightestLevel) {
@@ -47,6 +47,7 @@ private:
                 rightLevel > Token::tightestLevel ? parseUnary() : parseBinary(rightLevel);
             left = combine(kind, std::move(left), std::move(right), leftSize);
         }
+        --depth;
         return left;
     }
 
@@ -68,9 +69,11 @@ private:
     /// unary = primary { postfix }
     OwnedExpression parseUnary()
     {
-        const Nesting nesting(this);
+        enter();
         const std::size_t sizeBefore = size;
-        return parsePostfix(parsePrimary(), sizeBefore);
+        OwnedExpression node = parsePostfix(parsePrimary(), sizeBefore);
+        --depth;
+        return node;
     }
 
     /// primary = number | string | word | "::" name | register | parenthesis | ( "++" | "--" ) unary
@@ -255,7 +258,7 @@ private:
     /// call = "(" { unary [ "," ] } ")"
     OwnedExpression parseCall(OwnedExpression base)
     {
-        const Nesting nesting(this);
+        enter();
         lexer.next();
         std::vector<OwnedExpression> arguments;
         while (lexer.kind() != Token::RightParenthesis) {
@@ -264,6 +267,7 @@ private:
                 lexer.next();
         }
         lexer.next();
+        --depth;
         return make<CallExpression>(std::move(base), std::move(arguments), &parser);
     }
 
@@ -400,22 +404,13 @@ private:
         return static_cast<std::int32_t>(readNumber(take(Token::DecimalNumber, message)));
     }
 
-    /// Counts a call that can contain itself, for as long as it is open.
-    class Nesting
+    /// Counts a call that can contain itself and takes itself off the depth where it returns. One that
+    /// ends by an exception need not, since that is the end of the reading.
+    void enter()
     {
-    public:
-        explicit Nesting(TreeParser *reading) : depth(reading->depth)
-        {
-            reading->checkHeight(depth + 1);
-            reading->parser.readingDepth = ++depth;
-        }
-        ~Nesting() { --depth; }
-        Nesting(const Nesting &) = delete;
-        Nesting &operator=(const Nesting &) = delete;
-
-    private:
-        int &depth;
-    };
+        checkHeight(depth + 1);
+        parser.readingDepth = ++depth;
+    }
 
     /// Makes a node or a type and counts it.
     template <typename Made, typename... Arguments>

@@ -110,15 +110,6 @@ struct CompiledRules {
 constexpr CompiledRules compiled;
 static_assert(compiled.isValid && std::size(grammar) <= 64, "a rule is a bit of a candidate");
 
-/// Upper-case letters are counted from 'A', and so is every other character.
-std::uint64_t digitValue(char c)
-{
-    const std::uint64_t code = static_cast<unsigned char>(c);
-    if (c >= '0' && c <= '9')
-        return code - '0';
-    return c >= 'a' && c <= 'z' ? code - 87 : code - 55;
-}
-
 }  // namespace
 
 void Lexer::addToken(std::string_view pattern, std::int32_t kind, std::int32_t precedence)
@@ -211,7 +202,11 @@ std::uint64_t readNumber(std::string_view text)
         next += base != 8;
     }
     std::uint64_t value = 0;
-    for (; next != end; ++next)
-        value = value * base + digitValue(*next);
+    for (; next != end; ++next) {
+        const char c = *next;
+        // Upper-case letters are counted from 'A', and so is every other character.
+        const std::uint64_t zero = c >= '0' && c <= '9' ? '0' : c >= 'a' && c <= 'z' ? 87 : 55;
+        value = value * base + static_cast<unsigned char>(c) - zero;
+    }
     return negative ? 0 - value : value;
 }

@@ -149,7 +149,11 @@ void XMLReader::readExclamation()
         position = passByte(position);
         readUpTo<XMLCDATASection>("]]>", true);
     } else if (std::string_view("DOCTYPE").starts_with(name.view())) {
-        readDoctype();
+        const Span type = readName();
+        if (*position == '>') {
+            document->doctype = XMLDocument::copyString(type.start, type.length());
+            ++position;
+        }
     }
 }
 
@@ -171,15 +175,6 @@ void XMLReader::readUpTo(const char *terminator, bool isKept)
         return;
     endAt(end);
     append(new Node(start), markupLine);
-}
-
-void XMLReader::readDoctype()
-{
-    const Span name = readName();
-    if (*position == '>') {
-        document->doctype = XMLDocument::copyString(name.start, name.length());
-        ++position;
-    }
 }
 
 // Here and in what it calls, the position is handed on in a local: every NUL that ends a string

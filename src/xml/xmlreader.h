@@ -63,7 +63,6 @@ private:
     void readExclamation();
     template <typename Node>
     void readUpTo(const char *terminator, bool isKept);
-    void readDoctype();
     bool readStartTag();
     char *readAttribute(char *from);
     bool readEndTag();
