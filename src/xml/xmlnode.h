@@ -2,11 +2,21 @@
 
 #include "pool.h"
 
+#include <algorithm>
 #include <bit>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <new>
 #include <span>
+#include <utility>
+
+class XMLNode;
+
+/// Makes \a newParent the parent of \a chain, which is not null, and all its following siblings,
+/// links the last of them to \a next and returns it.
+XMLNode *adoptChain(XMLNode *newParent, XMLNode *chain, XMLNode *next);
 
 /// One node of a document. Its children are a singly linked chain in document order. Nodes live
 /// in a pool and point to strings that somebody else keeps alive, as a rule in the same pool:
@@ -24,21 +34,51 @@ public:
     XMLNode &operator=(const XMLNode &) = delete;
 
     /// Links \a child, whose nextSibling must be null, behind the last child. Walks the chain.
-    virtual void appendChild(XMLNode *child);
-    virtual void prependChild(XMLNode *child);
+    virtual void appendChild(XMLNode *child)
+    {
+        assert(child && !child->nextSibling);
+        *childrenEnd() = child;
+        child->parent = this;
+    }
+    virtual void prependChild(XMLNode *child)
+    {
+        assert(child);
+        child->nextSibling = firstChild;
+        firstChild = child;
+        child->parent = this;
+    }
 
     /// Unlinks \a child, which keeps its own links; clear its nextSibling before it is appended
     /// anywhere. Does nothing when it is no child of this node.
-    virtual void removeChild(XMLNode *child);
+    virtual void removeChild(XMLNode *child)
+    {
+        XMLNode **link = linkTo(child);
+        if (*link)
+            *link = child->nextSibling;
+    }
 
     /// Puts \a newChild where \a oldChild, which must be a child, hangs; \a oldChild keeps its
     /// own links.
-    virtual void replaceChild(XMLNode *oldChild, XMLNode *newChild);
+    virtual void replaceChild(XMLNode *oldChild, XMLNode *newChild)
+    {
+        XMLNode **link = linkTo(oldChild);
+        assert(newChild && *link);
+        *link = newChild;
+        newChild->nextSibling = oldChild->nextSibling;
+        newChild->parent = oldChild->parent;
+    }
 
     /// Links the whole sibling chain that starts at \a chain behind the child \a refChild. A
     /// node without children takes the chain, which can then be null, as its children and ignores
     /// \a refChild.
-    virtual void insertAfter(XMLNode *refChild, XMLNode *chain);
+    virtual void insertAfter(XMLNode *refChild, XMLNode *chain)
+    {
+        assert(!firstChild || (refChild && refChild->parent == this && chain));
+        XMLNode **link = firstChild ? &refChild->nextSibling : &firstChild;
+        if (chain)
+            adoptChain(this, chain, *link);
+        *link = chain;
+    }
 
     /// The link that the next child is to hang from. Walks the chain.
     XMLNode **childrenEnd() { return linkTo(nullptr); }
@@ -69,9 +109,17 @@ private:
     }
 };
 
-/// Makes \a newParent the parent of \a chain, which is not null, and all its following siblings,
-/// links the last of them to \a next and returns it.
-XMLNode *adoptChain(XMLNode *newParent, XMLNode *chain, XMLNode *next);
+inline XMLNode *adoptChain(XMLNode *newParent, XMLNode *chain, XMLNode *next)
+{
+    assert(chain);
+    for (;; chain = chain->nextSibling) {
+        chain->parent = newParent;
+        if (!chain->nextSibling)
+            break;
+    }
+    chain->nextSibling = next;
+    return chain;
+}
 
 /// A name and a value of an element. The value can be null: the attribute is there, its text is
 /// empty.
@@ -90,15 +138,32 @@ public:
 
     /// Replaces the value of the first attribute of that name in its place, or appends one. The
     /// pointers are kept, not what they point to.
-    virtual void setAttribute(const char *name, const char *value);
+    virtual void setAttribute(const char *name, const char *value)
+    {
+        literal = 0;
+        if (XMLAttribute *attribute = findAttribute(name))
+            attribute->value = value;
+        else
+            appendAttribute(name, value);
+    }
 
     /// Removes the first attribute of that name, if there is one.
-    virtual void removeAttribute(const char *name);
+    virtual void removeAttribute(const char *name)
+    {
+        if (XMLAttribute *attribute = findAttribute(name)) {
+            std::copy(attribute + 1, firstAttribute + attributeCount, attribute);
+            --attributeCount;
+        }
+    }
     virtual bool hasAttribute(const char *name) const { return findAttribute(name); }
 
     /// The value of the first attribute of that name. Null when there is none, and also when it
     /// has no value.
-    virtual const char *attribute(const char *name) const;
+    virtual const char *attribute(const char *name) const
+    {
+        const XMLAttribute *found = findAttribute(name);
+        return found ? found->value : nullptr;
+    }
     /// In the order in which they were set; valid until one is added or removed.
     virtual std::span<XMLAttribute> attributes()
     {
@@ -109,7 +174,18 @@ public:
 
     /// Adds an attribute without looking whether the name is there already. This and the next
     /// throw std::bad_alloc where there is no memory, or for 2^28 attributes.
-    void appendAttribute(const char *name, const char *value);
+    void appendAttribute(const char *name, const char *value)
+    {
+        literal = 0;
+        const std::size_t count = attributeCount;
+        if (count == attributeRoom(count)) {
+            const std::span<XMLAttribute> before(firstAttribute, count);
+            std::copy(before.begin(), before.end(), makeAttributes(count + 1).begin());
+        } else {
+            ++attributeCount;
+        }
+        firstAttribute[count] = {name, value};
+    }
 
     /// Gives the element \a count attributes, in the current pool, instead of those that it has.
     /// The caller sets what they are.
@@ -144,10 +220,25 @@ public:
     /// Whether no attribute value holds a '$', as far as that is known: whoever sets the values
     /// can tell, and whatever could change an attribute makes it unknown.
     bool isLiteral() const { return literal != 0; }
-    void setLiteral();
+    void setLiteral()
+    {
+        assert(
+            std::ranges::none_of(std::as_const(*this).attributes(), [](const XMLAttribute &each) {
+                return each.value && std::strchr(each.value, '$');
+            }));
+        literal = 1;
+    }
 
 private:
-    XMLAttribute *findAttribute(const char *name) const;
+    XMLAttribute *findAttribute(const char *name) const
+    {
+        assert(name);
+        for (XMLAttribute &each : std::span(firstAttribute, attributeCount)) {
+            if (std::strcmp(each.name, name) == 0)
+                return &each;
+        }
+        return nullptr;
+    }
     /// For how many attributes there is memory in an element that has \a count: just those where
     /// they are few, as mostly, and else up to the next power of two, so that appending one by
     /// one stays linear.
