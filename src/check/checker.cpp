@@ -196,8 +196,7 @@ private:
         XMLDocument document(true);
         document.parse(std::string(text).data());
         names.areOpen = names.areOpen || text.empty();
-        checkFile(document.root, file, isLatin1(encoding ? encoding : ""), limits.nestedLevels,
-                  &names, &messages);
+        checkFile(document.root, file, isLatin1(encoding ? encoding : ""), &names, &messages);
     }
 
     Place placeOf(const XMLElement *element) const

@@ -7,7 +7,6 @@
 
 #include <iterator>
 #include <map>
-#include <utility>
 
 namespace
 {
@@ -46,29 +45,39 @@ public:
     {
     }
 
-    /// Checks \a first and its following siblings.
-    void checkLevel(const XMLNode *first, int levels)
+    /// Checks the tree of \a root. Takes no stack for it, however deep it is.
+    void checkTree(const XMLNode *root)
     {
-        Definitions definitions;
-        for (const XMLNode *node = levels > 0 ? first : nullptr; node; node = node->nextSibling) {
-            if (node->kind() == XMLNode::Kind::Data)
-                checkText(static_cast<const XMLText &>(*node));
-            else if (node->kind() == XMLNode::Kind::CDATASection)
-                checkSection(static_cast<const XMLText &>(*node));
-            else if (node->kind() == XMLNode::Kind::Element)
-                checkElement(static_cast<const XMLElement &>(*node), levels, &definitions);
-        }
-        for (const auto &[macro, at] : definitions) {
-            if (std::max(names.mentions[macro], names.lastOpen) <= elementsBefore + at.element)
-                messages.warn(at, "scope",
-                              "nothing behind it on its level uses " + inQuotes(macro));
+        for (const XMLNode *node = root; node;) {
+            enter(*node);
+            const XMLNode *next = node->firstChild;
+            for (; node && !next; node = node->parent) {
+                leave(*node);
+                next = node->nextSibling;
+            }
+            node = next;
         }
     }
 
 private:
-    using Definitions = std::vector<std::pair<std::string, Place>>;
+    /// A <define> on a level that is not read to its end yet.
+    struct Definition {
+        const XMLNode *level;
+        std::string macro;
+        Place place;
+    };
 
-    void checkElement(const XMLElement &element, int levels, Definitions *definitions)
+    void enter(const XMLNode &node)
+    {
+        if (node.kind() == XMLNode::Kind::Data)
+            checkText(static_cast<const XMLText &>(node));
+        else if (node.kind() == XMLNode::Kind::CDATASection)
+            checkSection(static_cast<const XMLText &>(node));
+        else if (node.kind() == XMLNode::Kind::Element)
+            enterElement(static_cast<const XMLElement &>(node));
+    }
+
+    void enterElement(const XMLElement &element)
     {
         place.line = element.line + 1;
         place.element = ++names.elements - elementsBefore;
@@ -80,22 +89,28 @@ private:
         checkAlternatives(element);
         checkMacroList(element);
         checkAsked(element);
-        noteDefinition(element, definitions);
-        checkBelow(element, levels);
-    }
-
-    void checkBelow(const XMLElement &element, int levels)
-    {
-        const std::vector<std::string> macros = macrosOfLoop(element);
-        for (const std::string &macro : macros)
+        noteDefinition(element);
+        for (const std::string &macro : macrosOfLoop(element))
             loopMacros.emplace(macro, names.elements);
         if (isNamed(element, {"switch"}))
             switches.push_back(&element);
-        checkLevel(element.firstChild, levels - 1);
+    }
+
+    void leave(const XMLNode &node)
+    {
+        if (node.kind() != XMLNode::Kind::Element)
+            return;
+        const auto &element = static_cast<const XMLElement &>(node);
+        for (const std::string &macro : macrosOfLoop(element))
+            loopMacros.erase(std::prev(loopMacros.upper_bound(macro)));
         if (isNamed(element, {"switch"}))
             switches.pop_back();
-        for (const std::string &macro : macros)
-            loopMacros.erase(std::prev(loopMacros.upper_bound(macro)));
+        for (; !definitions.empty() && definitions.back().level == &node; definitions.pop_back()) {
+            const auto &[level, macro, at] = definitions.back();
+            if (std::max(names.mentions[macro], names.lastOpen) <= elementsBefore + at.element)
+                messages.warn(at, "scope",
+                              "nothing behind it on its level uses " + inQuotes(macro));
+        }
     }
 
     /// What a processing instruction holds is read as text, and goes as a comment does.
@@ -250,14 +265,14 @@ private:
     }
 
     /// What a loop defines is there in its next round, so that nothing need follow it.
-    void noteDefinition(const XMLElement &element, Definitions *definitions)
+    void noteDefinition(const XMLElement &element)
     {
         if (!isNamed(element, {"define"}))
             return;
         const std::string macro(attributeText(element, "name"));
         lastDefinitions[macro] = names.elements;
         if (loopMacros.empty() && element.parent && macro.find('$') == std::string::npos)
-            definitions->emplace_back(macro, place);
+            definitions.push_back({element.parent, macro, place});
     }
 
     void warn(const char *category, const std::string &text)
@@ -270,10 +285,10 @@ private:
     const std::size_t elementsBefore = names.elements;  ///< those of other files
     Messages &messages;
     Place place;                                         ///< of the element that is checked
-    std::size_t elements = 0;                            ///< of the file, up to that one
     bool isInSwitch = false;                             ///< whether that is the child of one
     std::vector<const XMLElement *> switches;            ///< that are open
     std::multimap<std::string, std::size_t> loopMacros;  ///< of open loops, and the loop's number
+    std::vector<Definition> definitions;
     std::unordered_map<std::string, std::size_t> lastDefinitions;  ///< numbers of the elements
 };
 
@@ -284,8 +299,8 @@ bool hasBlankAround(std::string_view name)
     return !name.empty() && (isSpace(name.front()) || isSpace(name.back()));
 }
 
-void checkFile(const XMLNode *root, std::size_t number, bool isLatin1, int levels, Names *names,
+void checkFile(const XMLNode *root, std::size_t number, bool isLatin1, Names *names,
                Messages *messages)
 {
-    FileCheck(number, isLatin1, names, messages).checkLevel(root, levels);
+    FileCheck(number, isLatin1, names, messages).checkTree(root);
 }

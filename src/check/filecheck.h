@@ -26,7 +26,6 @@ struct Names {
 
 bool hasBlankAround(std::string_view name);
 
-/// Says what a file shows as it stands, its text included. \a number is that of the file; what is
-/// nested more than \a levels deep ends every run, and is not looked at.
-void checkFile(const XMLNode *root, std::size_t number, bool isLatin1, int levels, Names *names,
+/// Says what a file shows as it stands, its text included. \a number is that of the file.
+void checkFile(const XMLNode *root, std::size_t number, bool isLatin1, Names *names,
                Messages *messages);
