@@ -19,18 +19,6 @@ std::string formatted(const char *format, Number number)
     return text;
 }
 
-std::string decimalText(const ExpressionValue &value, const char *format)
-{
-    if (value.kind == PlainValue::Signed)
-        return std::to_string(value.toInt64());
-    if (value.kind == PlainValue::Unsigned)
-        return std::to_string(value.toUInt64());
-    const double number = value.toDouble();
-    return std::isnan(number)   ? "NaN"
-           : std::isinf(number) ? "Inf"
-                                : formatted(format ? format : "%g", number);
-}
-
 /// The unsigned view in digits of so many bits.
 std::string digits(const ExpressionValue &value, std::string_view prefix, std::size_t bitsPerDigit,
                    bool zeroPad)
@@ -61,14 +49,18 @@ std::string toString(const ExpressionValue &value, int base, bool zeroPad, bool 
         const unsigned int code = value.payload & 0xFFFF;
         return formatted(code >= 32 && code <= 126 ? "%c" : "\\u%04x", code);
     }
-    switch (base) {
-    case 16:
+    if (base == 16)
         return digits(value, "0x", 4, zeroPad);
-    case 8:
+    if (base == 8)
         return digits(value, "0", 3, zeroPad);
-    case 2:
+    if (base == 2)
         return digits(value, "0b", 1, zeroPad);
-    default:
-        return decimalText(value, format);
-    }
+    if (value.kind == PlainValue::Signed)
+        return std::to_string(value.toInt64());
+    if (value.kind == PlainValue::Unsigned)
+        return std::to_string(value.toUInt64());
+    const double number = value.toDouble();
+    return std::isnan(number)   ? "NaN"
+           : std::isinf(number) ? "Inf"
+                                : formatted(format ? format : "%g", number);
 }
