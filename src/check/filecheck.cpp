@@ -255,6 +255,8 @@ private:
     void checkAsked(const XMLElement &element)
     {
         const std::string macro = askedMacro(element);
+        if (macro.empty())
+            return;
         names.mentions[macro] = names.elements;
         if (macro.find('$') != std::string::npos)
             names.lastOpen = names.elements;

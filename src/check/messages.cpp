@@ -1,7 +1,5 @@
 #include "messages.h"
 
-#include "characterclass.h"
-
 #include <algorithm>
 
 std::size_t Messages::fileNumber(const std::string &path, const Place &includedAt)
@@ -67,7 +65,7 @@ std::string inQuotes(std::string_view text)
     constexpr std::size_t most = 60;
     std::string result(text.substr(0, most));
     std::ranges::replace_if(
-        result, [](char c) { return CharacterClass::is(CharacterClass::Space, c); }, ' ');
+        result, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
     return std::string("\"").append(result).append(text.size() > most ? "...\"" : "\"");
 }
 
