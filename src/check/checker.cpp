@@ -130,9 +130,10 @@ public:
         if (top || passedReadLimit)
             return;
         // This ends the run, so nothing has failed before.
-        if (*errorMessage != '\0')
-            fault = {text.empty() ? includedAt : Place{file, errorLine + firstLine->second},
-                     errorMessage};
+        if (std::string_view(errorMessage).starts_with("couldn't read"))
+            fault = {includedAt, errorMessage};
+        else if (*errorMessage != '\0')
+            fault = {{file, errorLine + firstLine->second}, errorMessage};
         else if (first)
             fault = {placeOf(first), inTag(first->name()) + " is never closed"};
         else if (text.starts_with(" \xEF\xBB\xBF"))
