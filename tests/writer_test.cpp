@@ -1,6 +1,10 @@
 #include "treetext.h"
 #include "written.h"
 
+#include <cstring>
+#include <sys/mman.h>
+#include <unistd.h>
+
 namespace
 {
 
@@ -35,7 +39,31 @@ TEST(Writer, EscapesAllButPrintableAscii)
     EXPECT_EQ(escaped("a<b & \"c\">'"), "a&lt;b &amp; &quot;c&quot;&gt;'");
     EXPECT_EQ(escaped("\x01\x10\t\n\r\x1F ~\x7F\x80\xE9\xFF"),
               "&#x1;&#x10;&#x9;&#xa;&#xd;&#x1f; ~&#x7f;&#x80;&#xe9;&#xff;");
+    EXPECT_EQ(escaped("0123456789abcdef\x1F \x7E\x7F\x80!#%';=?@"),
+              "0123456789abcdef&#x1f; ~&#x7f;&#x80;!#%';=?@");
     EXPECT_EQ(escaped(nullptr), "");
+}
+
+/// The page behind the text cannot be read.
+TEST(Writer, EscapesEachByteWhereverItStands)
+{
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    char *const pages = static_cast<char *>(
+        mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    ASSERT_EQ(mprotect(pages + page, page, PROT_NONE), 0);
+    for (const std::size_t length : {1U, 7U, 8U, 9U, 15U, 16U, 17U, 33U, 100U}) {
+        for (const std::size_t behind : {0U, 1U, 14U, 15U, 16U, 50U}) {
+            for (std::size_t at = 0; at < length; ++at) {
+                std::string text(length, '~');
+                text[at] = '<';
+                char *const start = pages + page - behind - length - 1;
+                std::memcpy(start, text.c_str(), length + 1);
+                EXPECT_EQ(written([&](FILE *stream) { XMLDocument::writeEscaped(stream, start); }),
+                          text.replace(at, 1, "&lt;"));
+            }
+        }
+    }
+    munmap(pages, 2 * page);
 }
 
 TEST(Writer, HandsOverWhatIsLongerThanItsBuffer)

@@ -54,8 +54,8 @@ private:
         std::memcpy(to, piece.data(), piece.size());
         return to + piece.size();
     }
-    template <typename Wanted>
-    char *appendWhile(char *to, const char **text, Wanted wanted);
+    template <typename End>
+    char *appendUpTo(char *to, const char **text);
     char *appendText(char *to, const char *text);
     char *appendBetween(char *to, std::string_view before, const char *text,
                         std::string_view after);
