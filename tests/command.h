@@ -54,6 +54,7 @@ pid_t startCommand(std::vector<std::string> arguments, const std::string &direct
         return child;
     alarm(60);  // goes on counting in the program
     std::vector<char *> argv;
+    argv.reserve(arguments.size() + 1);
     for (std::string &argument : arguments)
         argv.push_back(argument.data());
     argv.push_back(nullptr);

@@ -59,7 +59,7 @@ std::string viewsOf(const std::string &text)
 std::string plainValuesOf(const std::string &text)
 {
     TreeOnly tree;
-    const std::string values = threeValues(&tree, text);
+    std::string values = threeValues(&tree, text);
     EXPECT_EQ(threeValues(SimpleExpressionParser::instance(), text), values) << text;
     return values;
 }

@@ -79,10 +79,10 @@ TEST_P(Document, EndsWithinBounds)
     const ScratchDirectory scratch;
     scratch.write("in.xml", text);
     for (const std::string &stack : stacks) {
-        const auto [status, prints] = runCommand(
-            {"/bin/sh", "-c",
-             bounds + "ulimit -s " + stack + "; exec " XMLPP_COMMAND " in.xml out.xml m=1"},
-            scratch.path());
+        std::string command = bounds;
+        command.append("ulimit -s ").append(stack);
+        command.append("; exec " XMLPP_COMMAND " in.xml out.xml m=1");
+        const auto [status, prints] = runCommand({"/bin/sh", "-c", command}, scratch.path());
         if (stack == stacks.front() || !prints.ends_with(" levels deep\n")) {
             EXPECT_EQ(prints, error) << stack;
         }

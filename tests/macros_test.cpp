@@ -36,7 +36,7 @@ TEST(Expansion, FollowsTheRulesOfReferences)
                           {"empty", ""},  {"", "E"},       {"open", "("},   {"p(q)", ")"},
                           {"n$(a)", "N"}, {"\xFF", "\xE9"}};
     expectRows("expansions", [&](const std::string &, const std::string &text) {
-        const std::string expansion = globalMacros.expandMacros(macros, text, false);
+        std::string expansion = globalMacros.expandMacros(macros, text, false);
         const std::string found = plain(text, macros);
         EXPECT_TRUE(found == "-" || found == expansion) << text;
         return expansion;
