@@ -72,7 +72,8 @@ XMLNode **Walk::carryOut(const Outcome &outcome, XMLNode **link, XMLElement &ele
 
 XMLNode **Walk::keep(XMLElement &element, const Level &level)
 {
-    if (!run.stopPastBounds())
+    // One without references has cost nothing since the last look.
+    if (element.isLiteral() || !run.stopPastBounds())
         walkContent(&element.firstChild, nullptr, nullptr, level);
     return &element.nextSibling;
 }
