@@ -81,6 +81,17 @@ int start(const Program &program, int argc, char **argv)
 #endif
 }
 
+const char *macroList(Arguments arguments)
+{
+    return arguments.size() > 2 ? arguments[2] : "";
+}
+
+/// Null where the document keeps its own. With further arguments it does not count.
+char *doctype(Arguments arguments)
+{
+    return arguments.size() == 4 ? arguments[3] : nullptr;
+}
+
 }  // namespace
 
 void execute(const Program &program, int argc, char **argv)
@@ -102,16 +113,36 @@ Limits limits()
     return bounds;
 }
 
+bool process(XMLPP2 *document, Arguments arguments, const windows::Sizes &sizes)
+{
+    std::string refusal;
+    switch (windows::preprocess({.inFile = arguments[0],
+                                 .outFile = arguments[1],
+                                 .macroList = macroList(arguments),
+                                 .doctype = doctype(arguments),
+                                 .limits = limits(),
+                                 .sizes = sizes},
+                                &refusal)) {
+    case windows::Outcome::Written:
+        return true;
+    case windows::Outcome::Refused:
+        document->reportError(refusal);
+        return false;
+    case windows::Outcome::NeedsTree:
+        break;
+    }
+    return preprocess(document, arguments) && save(document, arguments);
+}
+
 bool preprocess(XMLPP2 *document, Arguments arguments)
 {
     document->limits = limits();
-    if (!document->preprocessFile(arguments[0], arguments.size() > 2 ? arguments[2] : "", true)) {
+    if (!document->preprocessFile(arguments[0], macroList(arguments), true)) {
         std::fprintf(stderr, "load error %s at %d\n", document->errorMessage, document->errorLine);
         return false;
     }
-    // With further arguments it does not count.
-    if (arguments.size() == 4)
-        document->doctype = arguments[3];
+    if (char *const given = doctype(arguments))
+        document->doctype = given;
     return true;
 }
 

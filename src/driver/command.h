@@ -1,5 +1,6 @@
 #pragma once
 
+#include "windows.h"
 #include "xmlpp2.h"
 
 #include <cstddef>
@@ -25,6 +26,10 @@ struct Program {
 
 /// The bounds of a run on the stack that the process has.
 Limits limits();
+
+/// preprocess() and save(), a piece at a time where that gives the same (see windows.h). The document
+/// should not be one that wants to be told of the files, which it is only of those in a tree.
+bool process(XMLPP2 *document, Arguments arguments, const windows::Sizes &sizes = {});
 
 /// Loads the document that \a arguments (INFILE OUTFILE [MACROS [DOCTYPE]]) name, executes its
 /// directives and gives it the DOCTYPE. A file that cannot be loaded is one line on standard error and

@@ -11,9 +11,7 @@ int preprocess(command::Arguments arguments)
     // Never destroyed: the system takes the memory back at once, where the pool would first fill
     // all of it to show stale pointers.
     static MyXMLPP2 &document = *new MyXMLPP2(false);
-    const bool ok =
-        command::preprocess(&document, arguments) && command::save(&document, arguments);
-    return ok ? EXIT_SUCCESS : EXIT_FAILURE;
+    return command::process(&document, arguments) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 }  // namespace

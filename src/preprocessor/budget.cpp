@@ -18,9 +18,9 @@ Budget::Budget(const Limits &atMost, const Pool &target, const MacroScopes &scop
     : limits(atMost),
       pool(target),
       macros(scopes),
-      bytesAtStart(target.bytesUsed() + scopes.bytesUsed()),
-      workAtMost(atMost.work + static_cast<std::uint64_t>(Price::DocumentByte) * target.bytesUsed())
+      workAtMost(atMost.work)
 {
+    exclude(target.bytesUsed() + scopes.bytesUsed(), target.bytesUsed());
 }
 
 std::string Budget::message() const

@@ -61,8 +61,17 @@ enum class Price : std::uint32_t {
 class Budget
 {
 public:
-    /// Growth is that of \a target and \a scopes from here on. All must outlive this object.
+    /// Growth is that of \a target and \a scopes from here on, whether it is still held or was
+    /// released. All must outlive this object.
     Budget(const Limits &atMost, const Pool &target, const MacroScopes &scopes);
+
+    /// Tells that \a taken bytes are no growth but what it took to read the document, which has become
+    /// \a added bytes larger.
+    void exclude(std::size_t taken, std::size_t added)
+    {
+        bytesExcluded += taken;
+        workAtMost += static_cast<std::uint64_t>(Price::DocumentByte) * added;
+    }
 
     void spend(Price price, std::uint64_t amount)
     {
@@ -88,13 +97,13 @@ public:
     std::string growthMessage() const;
 
 private:
-    std::size_t growth() const { return pool.bytesUsed() + macros.bytesUsed() - bytesAtStart; }
+    std::size_t growth() const { return pool.bytesUsed() + macros.bytesUsed() - bytesExcluded; }
 
     const Limits &limits;
     const Pool &pool;
     const MacroScopes &macros;
-    const std::size_t bytesAtStart;
-    const std::uint64_t workAtMost;
+    std::size_t bytesExcluded = 0;
+    std::uint64_t workAtMost;
     std::uint64_t work = 0;
 };
 

@@ -55,6 +55,17 @@ struct Chain {
     }
 };
 
+/// The rounds of a loop, of which the walk makes one after the other.
+class Rounds
+{
+public:
+    virtual ~Rounds() = default;
+
+    /// Appends the copies that the next round consists of, fewer where a bound is passed on the way.
+    /// False when it was the last one.
+    virtual bool make(Run &run, Chain *copies) = 0;
+};
+
 /// What becomes of a directive's element.
 struct Outcome {
     enum class Action : unsigned char {
@@ -63,7 +74,7 @@ struct Outcome {
         Unwrap,   ///< the children of \a node are put in its place and walked there
         Branch,   ///< all its children are walked; those of its child \a node are put in its place
         Replace,  ///< \a node is put in its place; only the children of that are walked
-        Copies,   ///< \a copies are put in its place and walked there, on its own level
+        Repeat,   ///< what \a rounds make is put in its place and walked there, on its own level
         Insert,   ///< \a copies are put in its place; there is nothing to be walked in them
     };
 
@@ -73,6 +84,7 @@ struct Outcome {
     /// their own.
     std::unique_ptr<Content> content = nullptr;
     Chain copies = {nullptr};
+    std::unique_ptr<Rounds> rounds = nullptr;
 
     static Outcome keep() { return {}; }
     static Outcome remove() { return {Action::Remove}; }

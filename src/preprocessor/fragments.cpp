@@ -78,6 +78,7 @@ Outcome handleXmldef(Run &run, XMLElement &element, const Level &)
     const std::string_view name = attributeText(element, "name");
     run.budget.spendText(name.size());
     run.document.xmldefs.insert_or_assign(std::string(name), &element);
+    ++run.storedFragments;
     return Outcome::remove();
 }
 

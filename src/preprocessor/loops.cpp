@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -18,10 +19,29 @@ namespace directive
 namespace
 {
 
+bool isElement(const XMLNode *node)
+{
+    return node && node->kind() == XMLNode::Kind::Element;
+}
+
 /// The rounds of a loop, and the macros that the copies of its body are expanded with in each.
-class LoopRounds : public MacroLookup
+class LoopRounds : public Rounds, public MacroLookup
 {
 public:
+    bool make(Run &run, Chain *copies) override
+    {
+        for (const XMLNode *child = body; isElement(child); child = child->nextSibling) {
+            copies->append(run.copyExpanded(static_cast<const XMLElement &>(*child), *this));
+            if (run.stopPastBounds())
+                return false;
+        }
+        return advance();
+    }
+
+    /// What is copied: this and its siblings, up to the first that is no element.
+    const XMLNode *body = nullptr;
+
+private:
     /// Goes on to the next round; false when there is none.
     virtual bool advance() = 0;
 };
@@ -62,13 +82,13 @@ public:
     /// Makes only the macro that is asked for: few bodies use all of them.
     bool find(std::string_view name, std::string_view *found) override;
 
+private:
     bool advance() override
     {
         current += step;
         return current < end;
     }
 
-private:
     std::uint32_t current = 0;
     std::string_view counterName;
     std::string value;
@@ -141,6 +161,7 @@ public:
         return true;
     }
 
+private:
     bool advance() override
     {
         for (std::size_t i = varying.size(); i-- > 0;) {
@@ -152,7 +173,6 @@ public:
         return false;
     }
 
-private:
     struct List {
         std::vector<std::string_view> values;
         std::size_t current = 0;
@@ -163,38 +183,23 @@ private:
     std::unordered_map<std::string_view, std::size_t, NameHash> positions;
 };
 
-bool isElement(const XMLNode *node)
+/// The \a count \a rounds of \a loop. Nothing, after an error was reported, when those are too many.
+Outcome repeat(Run &run, const XMLElement &loop, unsigned count, std::unique_ptr<LoopRounds> rounds)
 {
-    return node && node->kind() == XMLNode::Kind::Element;
-}
-
-/// Copies of the loop's children, up to the first that is no element, for each of \a count
-/// rounds; fewer where the budget is spent before. None, after an error was reported, when those
-/// are too many.
-Outcome copyRounds(Run &run, const XMLElement &loop, unsigned count, LoopRounds *rounds)
-{
-    Outcome outcome{.action = Outcome::Action::Copies, .copies = {loop.parent}};
     if (count > run.limits.loopRounds) {
         run.report(std::string("more than ")
                        .append(std::to_string(run.limits.loopRounds))
                        .append(" rounds in <")
                        .append(loop.name())
                        .append(">"));
-        return outcome;
+        return Outcome::remove();
     }
     if (count == 0 || !isElement(loop.firstChild))
-        return outcome;
+        return Outcome::remove();
+    rounds->body = loop.firstChild;
     for (const XMLNode *child = loop.firstChild; isElement(child); child = child->nextSibling)
         run.sharedText += count * textOf(child, UINT64_MAX);
-    do {
-        for (const XMLNode *child = loop.firstChild; isElement(child); child = child->nextSibling) {
-            outcome.copies.append(
-                run.copyExpanded(static_cast<const XMLElement &>(*child), *rounds));
-            if (run.stopPastBounds())
-                return outcome;
-        }
-    } while (rounds->advance());
-    return outcome;
+    return {.action = Outcome::Action::Repeat, .rounds = std::move(rounds)};
 }
 
 /// The low 32 bits of what the expression \a text gives, as \a evaluate reads it; 0 if it has no
@@ -207,7 +212,8 @@ std::uint32_t numberOf(Run &run, Value (SimpleExpressionParser::*evaluate)(const
     return static_cast<std::uint32_t>(run.evaluated(evaluate, text, &ok));
 }
 
-CountedRounds readRounds(Run &run, const XMLElement &element)
+/// Those that \a element, which has all attributes that it needs, asks for.
+std::unique_ptr<CountedRounds> readRounds(Run &run, const XMLElement &element)
 {
     const auto derived = [&](const char *name) {
         return numberOf(run, &SimpleExpressionParser::evaluateSigned,
@@ -217,16 +223,16 @@ CountedRounds readRounds(Run &run, const XMLElement &element)
         return numberOf(run, &SimpleExpressionParser::evaluateUnsigned,
                         std::string(attributeText(element, name)));
     };
-    CountedRounds rounds;
+    auto rounds = std::make_unique<CountedRounds>();
     if (element.hasAttribute("add"))
-        rounds.offset = derived("add");
+        rounds->offset = derived("add");
     else if (element.hasAttribute("sub"))
-        rounds.offset = 0 - derived("sub");
+        rounds->offset = 0 - derived("sub");
     if (element.hasAttribute("mul"))
-        rounds.factor = derived("mul");
-    rounds.start = bound("start");
-    rounds.end = bound("end");
-    rounds.step = bound("incr");
+        rounds->factor = derived("mul");
+    rounds->start = bound("start");
+    rounds->end = bound("end");
+    rounds->step = bound("incr");
     return rounds;
 }
 
@@ -237,23 +243,23 @@ Outcome handleFor(Run &run, XMLElement &element, const Level &)
     const bool isComplete = element.hasAttribute("index") && element.hasAttribute("start") &&
                             element.hasAttribute("end") && element.hasAttribute("incr") &&
                             element.firstChild;
-    CountedRounds rounds;
+    std::unique_ptr<CountedRounds> rounds;
     if (isComplete)
         rounds = readRounds(run, element);
-    if (!isComplete || (rounds.step == 0 && rounds.start < rounds.end)) {
+    if (!isComplete || (rounds->step == 0 && rounds->start < rounds->end)) {
         run.report("<for index=\"i\" start=\"0\" end=\"32\" incr=\"1\">");
         return Outcome::remove();
     }
     unsigned counted = 0;
-    const unsigned count = rounds.count(run.limits.loopRounds, &counted);
+    const unsigned count = rounds->count(run.limits.loopRounds, &counted);
     run.budget.spend(Price::CountedRound, counted);
-    rounds.begin(attributeText(element, "index"));
-    return copyRounds(run, element, count, &rounds);
+    rounds->begin(attributeText(element, "index"));
+    return repeat(run, element, count, std::move(rounds));
 }
 
 Outcome handleForeach(Run &run, XMLElement &element, const Level &)
 {
-    CombinedRounds rounds;
+    auto rounds = std::make_unique<CombinedRounds>();
     for (const XMLAttribute &attribute : std::as_const(element).attributes()) {
         std::vector<std::string_view> values;
         forEachPiece(&run.budget, Price::ListItem, textOf(attribute), ',',
@@ -262,9 +268,10 @@ Outcome handleForeach(Run &run, XMLElement &element, const Level &)
         // There is no combination then, however long the other lists are.
         if (values.empty())
             return Outcome::remove();
-        rounds.addList(attribute.name, std::move(values));
+        rounds->addList(attribute.name, std::move(values));
     }
-    return copyRounds(run, element, rounds.count(run.limits.loopRounds), &rounds);
+    const unsigned count = rounds->count(run.limits.loopRounds);
+    return repeat(run, element, count, std::move(rounds));
 }
 
 }  // namespace directive

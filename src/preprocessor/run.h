@@ -86,6 +86,7 @@ public:
     std::unordered_map<const XMLNode *, Fragment> fragments;  ///< that were put
     /// What templates may still be made of, in bytes of text. They take memory that no bound counts.
     std::uint64_t textToPrepare = std::uint64_t{1} << 20;
+    std::size_t storedFragments = 0;    ///< how often one was stored
     std::uint64_t sharedText = 0;       ///< bytes that all copies of fragments share with these
     const XMLElement *const firstRoot;  ///< the document's root before the walk
 

@@ -1,6 +1,7 @@
 #include "walk.h"
 
 #include <cassert>
+#include <utility>
 
 void Walk::walk(XMLNode *node, const Level &level)
 {
@@ -23,6 +24,8 @@ XMLNode **Walk::walkChain(XMLNode **link, const XMLNode *end, const Level &level
 {
     while (*link != end && !run.isStopped()) {
         if ((*link)->kind() != XMLNode::Kind::Element) {
+            if (output)
+                output->writeInside(*link);
             link = &(*link)->nextSibling;
             continue;
         }
@@ -48,6 +51,8 @@ XMLNode **Walk::carryOut(const Outcome &outcome, XMLNode **link, XMLElement &ele
     assert(*link == &element);
     if (run.stopPastBounds())
         return link;
+    if (output && run.sharedText > mostSharedText)
+        throw NeedsTree();
     switch (outcome.action) {
     case Outcome::Action::Keep:
         return keep(element, level);
@@ -60,10 +65,11 @@ XMLNode **Walk::carryOut(const Outcome &outcome, XMLNode **link, XMLElement &ele
         return walkBranches(*outcome.node, link, element, level);
     case Outcome::Action::Replace:
         return replace(*outcome.node, link, element, *outcome.content);
-    case Outcome::Action::Copies:
-        *link = outcome.copies.endWith(element.nextSibling);
-        return link;
+    case Outcome::Action::Repeat:
+        return repeat(outcome.rounds.get(), link, element, level);
     case Outcome::Action::Insert:
+        for (const XMLNode *copy = outcome.copies.first; copy && output; copy = copy->nextSibling)
+            output->writeInside(copy);
         *link = outcome.copies.endWith(element.nextSibling);
         return outcome.copies.last ? &outcome.copies.last->nextSibling : link;
     }
@@ -74,8 +80,56 @@ XMLNode **Walk::keep(XMLElement &element, const Level &level)
 {
     // One without references has cost nothing since the last look.
     if (element.isLiteral() || !run.stopPastBounds())
-        walkContent(&element.firstChild, nullptr, nullptr, level);
+        stay(element, nullptr, level);
     return &element.nextSibling;
+}
+
+/// Walks the children of \a element, which stays where it is. See walkContent().
+void Walk::stay(XMLElement &element, const Content *content, const Level &level)
+{
+    if (output)
+        output->beginElement(&element);
+    walkContent(&element.firstChild, nullptr, content, level);
+    if (output)
+        output->endElement(element.name());
+}
+
+void Walk::begin(XMLElement &element, const Level &level)
+{
+    if (level.expand)
+        run.expandAttributes(element);
+    if (run.stopPastBounds() || !enter())
+        return;
+    if (output)
+        output->beginElement(&element);
+}
+
+void Walk::end(const char *name)
+{
+    --run.depth;
+    if (output)
+        output->endElement(name);
+}
+
+XMLNode **Walk::repeat(directive::Rounds *rounds, XMLNode **link, XMLElement &element,
+                       const Level &level)
+{
+    directive::Chain copies{element.parent};
+    bool isLast = false;
+    while (!isLast && !run.isStopped()) {
+        const Pool::Mark before = run.document.mark();
+        const std::size_t fragmentsBefore = run.storedFragments;
+        isLast = !rounds->make(run, &copies);
+        if (output) {
+            walkChain(&copies.first, nullptr, level);
+            if (run.storedFragments == fragmentsBefore)
+                run.document.release(before);
+            copies = {element.parent};
+        }
+    }
+    if (!run.isStopped())
+        *link = copies.endWith(element.nextSibling);
+    return link;
 }
 
 /// Puts the children of \a source in the place of \a element and walks them there.
@@ -98,12 +152,16 @@ XMLNode **Walk::walkBranches(XMLElement &selected, XMLNode **link, XMLElement &e
     const MacroScopes::Scope scope(&run.macros);
     if (!enter())
         return link;
+    XMLWriter *const outputOfSelected = std::exchange(output, nullptr);
     walkChain(&element.firstChild, &selected, level);
+    output = outputOfSelected;
     if (level.expand)
         run.expandAttributes(selected);
     if (!run.stopPastBounds())
         link = put(selected, link, element, nullptr, level);
+    output = nullptr;
     walkChain(&selected.nextSibling, nullptr, level);
+    output = outputOfSelected;
     --run.depth;
     return link;
 }
@@ -115,7 +173,7 @@ XMLNode **Walk::replace(XMLElement &replacement, XMLNode **link, XMLElement &ele
     replacement.parent = element.parent;
     replacement.nextSibling = element.nextSibling;
     *link = &replacement;
-    walkContent(&replacement.firstChild, nullptr, &content, content.level);
+    stay(replacement, &content, content.level);
     return &replacement.nextSibling;
 }
 

@@ -2,6 +2,11 @@
 
 #include "directive.h"
 #include "run.h"
+#include "xmlwriter.h"
+
+/// Thrown where a document cannot be done a piece at a time: see windows.h.
+struct NeedsTree {
+};
 
 /// One walk over a document: it visits the elements in document order, a subtree before its
 /// following siblings, and has those executed that are directives.
@@ -21,15 +26,42 @@
 /// executed; only when the walk comes to the selected branch, what is in that is put in the place
 /// of the switch, and walked there.
 ///
+/// With an output, all that the walk is done with is written there at once, in the order of the
+/// document, and nothing of it is needed any more. So a loop's rounds are made and walked one by one
+/// there, and each is given back before the next; otherwise all are made before the first is walked.
+///
 /// The walk calls itself for what is below an element or came from a directive, so its depth is
 /// bounded (Limits::nestedLevels). Once the run is stopped it returns without another change.
 class Walk
 {
 public:
-    Walk(XMLPP2 *target, MacroMap *outermostMacros) : run(target, outermostMacros) {}
+    /// Past this much text that copies share, there must be no output: see NeedsTree.
+    static constexpr std::uint64_t mostSharedText = std::uint64_t{1} << 32;
+
+    /// \a outputFile can be null.
+    Walk(XMLPP2 *target, MacroMap *outermostMacros, XMLWriter *outputFile = nullptr)
+        : run(target, outermostMacros),
+          output(outputFile)
+    {
+    }
 
     /// Walks \a node and its following siblings.
     void walk(XMLNode *node, const directive::Level &level);
+
+    // The same a piece at a time, for elements that are not there as a whole yet.
+
+    /// What is done with an element, which is no directive, before its children. They are walked in a
+    /// scope that the caller makes.
+    void begin(XMLElement &element, const directive::Level &level);
+    /// Walks children of the element that was begun last.
+    void walkChildren(XMLNode *children, const directive::Level &level)
+    {
+        walkChain(&children, nullptr, level);
+    }
+    /// What is done with the element that was begun last, and has that \a name, behind its children.
+    void end(const char *name);
+
+    directive::Run run;
 
 private:
     using Level = directive::Level;
@@ -47,10 +79,13 @@ private:
     XMLNode **carryOut(const Outcome &outcome, XMLNode **link, XMLElement &element,
                        const Level &level);
     XMLNode **keep(XMLElement &element, const Level &level);
+    void stay(XMLElement &element, const Content *content, const Level &level);
+    XMLNode **repeat(directive::Rounds *rounds, XMLNode **link, XMLElement &element,
+                     const Level &level);
     XMLNode **put(XMLElement &source, XMLNode **link, XMLElement &element, const Content *content,
                   const Level &level);
     XMLNode **replace(XMLElement &replacement, XMLNode **link, XMLElement &element,
                       const Content &content);
 
-    directive::Run run;
+    XMLWriter *output;
 };

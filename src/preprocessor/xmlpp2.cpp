@@ -14,16 +14,21 @@ bool XMLPP2::preprocessFile(const std::string &fileName, const std::string &macr
     if (!loaded)
         return false;
     const CurrentPool current(this);
-    std::vector<std::string> items;
-    for (std::string_view rest = macroList; !rest.empty();) {
-        const std::string_view item = rest.substr(0, rest.find(';'));
-        if (!item.empty())
-            items.emplace_back(item);
-        rest.remove_prefix(std::min(item.size() + 1, rest.size()));
-    }
-    MacroMap macros = MacroValues::parseMacroList(items);
+    MacroMap macros = macrosOf(macroList);
     processConditionals(root, fileName, macros, expand);
     return true;
+}
+
+MacroMap XMLPP2::macrosOf(std::string_view list)
+{
+    std::vector<std::string> items;
+    while (!list.empty()) {
+        const std::string_view item = list.substr(0, list.find(';'));
+        if (!item.empty())
+            items.emplace_back(item);
+        list.remove_prefix(std::min(item.size() + 1, list.size()));
+    }
+    return MacroValues::parseMacroList(items);
 }
 
 void XMLPP2::processConditionals(XMLNode *node, const std::string &fileName, MacroMap &macros,

@@ -5,6 +5,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 
 /// A document that executes the directives in it. One run per object: load, walk, then save.
 class XMLPP2 : public QXMLDocument
@@ -18,6 +19,9 @@ public:
     /// cannot be loaded: errorMessage and errorLine say why. What goes wrong afterwards goes to
     /// reportError().
     bool preprocessFile(const std::string &fileName, const std::string &macroList, bool expand);
+
+    /// The macros of the outermost level that a \a list asks for.
+    static MacroMap macrosOf(std::string_view list);
 
     /// Executes the directives in \a node (which can be null), its following siblings and all
     /// that is below them, in place. \a fileName is what relative includes start from. What the

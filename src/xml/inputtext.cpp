@@ -23,21 +23,6 @@ std::size_t fileSize(FILE *stream, std::size_t *stored)
     return size;
 }
 
-/// Reads up to \a size bytes, but none behind the piece that holds the first NUL, and returns how
-/// many stand before that. *isEnd tells that there is no more to be read.
-std::size_t readPieces(FILE *stream, char *to, std::size_t size, bool *isEnd)
-{
-    std::size_t length = 0;
-    while (length < size && !*isEnd) {
-        const std::size_t wanted = std::min(piece, size - length);
-        const std::size_t got = std::fread(to + length, 1, wanted, stream);
-        const void *nul = std::memchr(to + length, '\0', got);
-        *isEnd = nul || got < wanted;
-        length = nul ? static_cast<std::size_t>(static_cast<const char *>(nul) - to) : length + got;
-    }
-    return length;
-}
-
 /// What is left, however long it is, up to a piece more than \a most bytes.
 std::string readRest(FILE *stream, std::size_t most)
 {
@@ -62,6 +47,33 @@ char *allocateText(std::size_t length, Pool *pool)
 FILE *openFile(const std::string &name, const char *mode)
 {
     return std::fopen(name.c_str(), mode);
+}
+
+bool canBeReadAgain(const std::string &name)
+{
+    struct stat status = {};
+    return stat(name.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+InputStream openInput(const char *fileName)
+{
+    InputStream stream(openFile(fileName, "rb"));
+    if (stream)
+        std::setvbuf(stream.get(), nullptr, _IONBF, 0);
+    return stream;
+}
+
+std::size_t readPieces(FILE *stream, char *to, std::size_t size, bool *isEnd)
+{
+    std::size_t length = 0;
+    while (length < size && !*isEnd) {
+        const std::size_t wanted = std::min(piece, size - length);
+        const std::size_t got = std::fread(to + length, 1, wanted, stream);
+        const void *nul = std::memchr(to + length, '\0', got);
+        *isEnd = nul || got < wanted;
+        length = nul ? static_cast<std::size_t>(static_cast<const char *>(nul) - to) : length + got;
+    }
+    return length;
 }
 
 std::span<char> readText(FILE *stream, std::size_t most, Pool *pool, bool *isTooLong)

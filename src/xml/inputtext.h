@@ -12,10 +12,20 @@
 /// openFile() of its own.
 FILE *openFile(const std::string &name, const char *mode);
 
+/// Whether the file can be read again: a pipe cannot, and some devices. Found out without opening it.
+bool canBeReadAgain(const std::string &name);
+
 struct CloseStream {
     void operator()(FILE *stream) const { std::fclose(stream); }
 };
 using InputStream = std::unique_ptr<FILE, CloseStream>;
+
+/// The file as it is read best, into memory of the caller's own: without a buffer in between.
+InputStream openInput(const char *fileName);
+
+/// Reads up to \a size bytes, but none behind the piece that holds the first NUL, and returns how
+/// many stand before that. *isEnd tells that there is no more to be read.
+std::size_t readPieces(FILE *stream, char *to, std::size_t size, bool *isEnd);
 
 /// What \a stream holds from where it stands up to its first NUL byte, with a NUL behind it, in
 /// \a pool. Nothing behind that byte is read but for the rest of one piece. Its data is null when it

@@ -96,7 +96,9 @@ int openSystemLink(const std::string &path)
 
 }  // namespace
 
-OutputFile::OutputFile(const char *fileName) : given(fileName)
+OutputFile::OutputFile(const char *fileName, bool temporaryOnly)
+    : onlyTemporary(temporaryOnly),
+      given(fileName)
 {
     int descriptor = changed;
     for (int looks = 0; looks < 100 && descriptor == changed; ++looks)
@@ -155,9 +157,9 @@ int OutputFile::open(std::string path)
         if (S_ISREG(found.st_mode))
             return errno == ENOENT ? changed : -1;
         if (!S_ISLNK(found.st_mode))
-            return openDevice(path);
+            return onlyTemporary ? -1 : openDevice(path);
         if (isSystemLink(found))
-            return openSystemLink(path);
+            return onlyTemporary ? -1 : openSystemLink(path);
         path = followLink(path);
         if (path.empty())
             return errno == ENOENT || errno == EINVAL ? changed : -1;
@@ -168,7 +170,8 @@ int OutputFile::open(std::string path)
 int OutputFile::openToReplace(const std::string &path, const struct stat *old)
 {
     const int descriptor = openTemporary(path, old);
-    return descriptor < 0 && noFileCanBeMade(errno) ? openInPlace(path) : descriptor;
+    const bool isInPlace = descriptor < 0 && !onlyTemporary && noFileCanBeMade(errno);
+    return isInPlace ? openInPlace(path) : descriptor;
 }
 
 /// The file has a name from the start. One without (O_TMPFILE) would leave nothing behind even after

@@ -16,7 +16,9 @@
 class OutputFile
 {
 public:
-    explicit OutputFile(const char *fileName);
+    /// With \a onlyTemporary there is no stream for what would be written in place, and nothing
+    /// happens to it.
+    explicit OutputFile(const char *fileName, bool onlyTemporary = false);
     ~OutputFile();
     OutputFile(const OutputFile &) = delete;
     OutputFile &operator=(const OutputFile &) = delete;
@@ -46,6 +48,7 @@ private:
     void forgetTemporary();
     static void endBySignal(int number);
 
+    const bool onlyTemporary;
     std::string given;      ///< the name of the file
     std::string target;     ///< what the temporary file is renamed to
     std::string temporary;  ///< empty when there is no temporary file

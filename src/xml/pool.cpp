@@ -86,15 +86,38 @@ Pool::Block *Pool::takeBlock(std::size_t wanted)
     return made.release();
 }
 
+void Pool::releaseBlock()
+{
+    Block *const released = block;
+    block = released->next;
+    released->next = std::exchange(freeBlocks, released);
+}
+
 void Pool::clear()
 {
-    while (Block *released = block) {
-        block = released->next;
-        std::memset(released->memory, 0xFE, released->size);
-        released->next = std::exchange(freeBlocks, released);
+    while (block) {
+        std::memset(block->memory, 0xFE, block->size);
+        releaseBlock();
     }
     used = 0;
     usedBefore = 0;
+}
+
+void Pool::release(const Mark &mark)
+{
+    const std::size_t handedOut = bytesUsed();
+#ifndef NDEBUG
+    for (const Block *each = block; each; each = each == mark.block ? nullptr : each->next) {
+        const std::size_t kept = each == mark.block ? mark.used : 0;
+        std::memset(each->memory + kept, 0xFE, each->size - kept);
+    }
+#endif
+    while (block != mark.block)
+        releaseBlock();
+    used = mark.used;
+    usedBefore = handedOut - used;
+    capacity = block ? block->size : 0;
+    memory = block ? block->memory : nullptr;
 }
 
 Pool *Pool::useDefaultPool()

@@ -10,6 +10,12 @@
 /// is exhausted throws std::bad_alloc. One thread at a time.
 class Pool
 {
+    struct Block {
+        Block *next;
+        std::size_t size;
+        char *memory;
+    };
+
 public:
     Pool() = default;
     ~Pool();
@@ -32,7 +38,19 @@ public:
     /// afterwards and can be used again.
     void clear();
 
-    /// Bytes handed out since the pool was last empty, padding included.
+    /// Where the pool stands: what is handed out next lies behind.
+    struct Mark {
+        Block *block = nullptr;  ///< null: at the beginning
+        std::size_t used = 0;
+    };
+    Mark mark() const { return {block, used}; }
+
+    /// Releases what was handed out since the pool stood at \a mark, which is not behind a mark that
+    /// was released. Without NDEBUG it is filled with 0xFE.
+    void release(const Mark &mark);
+
+    /// Bytes handed out since the pool was last cleared, padding included; also those that were
+    /// released.
     std::size_t bytesUsed() const { return usedBefore + used; }
 
     /// Makes \a pool the current one and returns the one that was; either can be null.
@@ -54,16 +72,11 @@ public:
     }
 
 private:
-    struct Block {
-        Block *next;
-        std::size_t size;
-        char *memory;
-    };
-
     static std::size_t roundUp(std::size_t size) { return (size + 7) & ~std::size_t{7}; }
     static Block *takeBlock(std::size_t wanted);
     static Pool *useDefaultPool();
     void *allocateFromNextBlock(std::size_t size);
+    void releaseBlock();
 
     static inline Block *freeBlocks = nullptr;
     static inline Pool *currentPool = nullptr;
@@ -72,7 +85,7 @@ private:
     std::size_t used = 0;
     std::size_t capacity = 0;
     char *memory = nullptr;
-    std::size_t usedBefore = 0;  ///< bytes handed out from the blocks before the current one
+    std::size_t usedBefore = 0;  ///< bytes handed out, but for those that used counts
 };
 
 /// An object that lives in the pool that is current when it is made. Deleting one gives nothing

@@ -71,10 +71,9 @@ bool XMLDocument::read(FILE *stream)
 
 bool XMLDocument::load(const char *fileName)
 {
-    const InputStream stream(openFile(fileName, "rb"));
-    // What is read goes straight into the pool; a buffer of the stream's own would copy it.
-    if (stream)
-        std::setvbuf(stream.get(), nullptr, _IONBF, 0);
+    InputStream stream;
+    if (!onlyReadableAgain || canBeReadAgain(fileName))
+        stream = openInput(fileName);
     return readOn(stream.get(), fileName);
 }
 

@@ -67,6 +67,7 @@ public:
     int indent = 0;                    ///< spaces per level of the last write()
     bool keepComments;                 ///< whether comments and character data become nodes
     std::size_t readLimit = SIZE_MAX;  ///< bytes that a file or stream that is read may hold
+    bool onlyReadableAgain = false;    ///< whether load() fails for a pipe, without opening it
     bool passedReadLimit = false;      ///< whether that made the last read() or load() fail
     char *doctype = nullptr;
     char *version = nullptr;

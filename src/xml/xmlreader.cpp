@@ -39,15 +39,20 @@ char *passByte(char *from)
 
 }  // namespace
 
-XMLReader::XMLReader(XMLDocument *target, std::span<char> text)
-    : document(target),
-      position(text.data()),
-      ampersands('&', text),
-      dollars('$', text),
-      // A newline that is the very first byte is never counted.
-      nextNewline(text.empty() ? position : findByte('\n', position + 1))
+XMLReader::XMLReader(XMLDocument *target, std::span<char> text) : document(target)
 {
-    assert(position[text.size()] == '\0');
+    continueIn(text);
+}
+
+void XMLReader::continueIn(std::span<char> text)
+{
+    textEnd = text.data() + text.size();
+    assert(*textEnd == '\0');
+    // A newline that is the very first byte is never counted.
+    nextNewline = text.empty() ? textEnd : findByte('\n', text.data() + 1);
+    ampersands = NextByte('&', text);
+    dollars = NextByte('$', text);
+    position = pass(Space, text.data());
 }
 
 /// Reads a name, which can be empty, and the white space behind it.
@@ -61,15 +66,22 @@ XMLReader::Span XMLReader::readName()
 XMLNode *XMLReader::read()
 {
     const CurrentPool current(document);
-    position = pass(Space, position);
-    while (*position == '<') {
+    readOn(textEnd, 0);
+    return result;
+}
+
+bool XMLReader::readOn(const char *limit, std::size_t fewestOpen)
+{
+    while (*position == '<' && position < limit) {
         markupLine = lineAt(position);
         ++position;
         if (!readMarkup())
-            break;
+            return false;
         readCharacterData();
+        if (open.size() < fewestOpen)
+            break;
     }
-    return result;
+    return true;
 }
 
 /// Reads one construct, from behind its '<'. False ends the read.

@@ -7,6 +7,7 @@
 #include <span>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 class XMLDocument;
@@ -36,6 +37,31 @@ public:
     /// The last top-level element that was closed. Null when there is none.
     XMLNode *read();
 
+    // The same a piece at a time, for who needs no tree of the whole. The current pool must be the
+    // document.
+
+    struct OpenElement {
+        XMLElement *element;
+        XMLNode **end;  ///< the link that the next child is to hang from
+    };
+
+    /// Reads the constructs that begin before \a limit and what stands behind each, until there are
+    /// fewer than \a fewestOpen open elements. False where the read ends early.
+    bool readOn(const char *limit, std::size_t fewestOpen);
+    /// What was not read yet. Empty also where the text ended within a construct.
+    std::string_view rest()
+    {
+        lineAt(position);
+        return {position, textEnd};
+    }
+    /// Goes on in \a text, at whose beginning stands what rest() gave.
+    void continueIn(std::span<char> text);
+    /// Those that are open, the outermost first. An element can be replaced by another one of its name
+    /// and without children, which the further ones are then linked to.
+    std::vector<OpenElement> &openElements() { return open; }
+    /// What read() returns, up to here; it is then forgotten.
+    XMLNode *takeResult() { return std::exchange(result, nullptr); }
+
     /// What ended the read: "bad tagName" where an attribute's name begins with no letter, '_', '-'
     /// or ':', "tagName mismatch" where an end tag's is no beginning of the open element's name.
     /// Null for the end of the text.
@@ -51,11 +77,6 @@ private:
         std::size_t length() const { return static_cast<std::size_t>(end - start); }
         std::string_view view() const { return {start, length()}; }
     };
-    struct OpenElement {
-        XMLElement *element;
-        XMLNode **end;  ///< the link that the next child is to hang from
-    };
-
     bool readMarkup();
     bool readInstruction();
     bool readDeclaration();
@@ -104,10 +125,12 @@ private:
     void countLines(const char *where);
 
     XMLDocument *document;
-    char *position;
-    NextByte ampersands;
-    NextByte dollars;
-    const char *nextNewline;  ///< the first that is not counted in line yet; the NUL if none is
+    char *position = nullptr;
+    const char *textEnd = nullptr;
+    NextByte ampersands{'&', {}};
+    NextByte dollars{'$', {}};
+    const char *nextNewline =
+        nullptr;  ///< the first that is not counted in line yet; the NUL if none is
     int line = 0;
     int markupLine = 0;  ///< where the markup that is being read began
     const char *failure = nullptr;

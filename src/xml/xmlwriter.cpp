@@ -9,6 +9,7 @@
 #include <cassert>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 // Most texts are short, and where each of them ends is what a processor cannot foresee. So they are
@@ -65,7 +66,11 @@ __m128i among(Escaped, __m128i bytes)
 
 void XMLWriter::writeDocument(const XMLDocument &document)
 {
-    char *to = buffer;
+    flush(appendTree(appendHead(buffer, document), document.root, 0));
+}
+
+char *XMLWriter::appendHead(char *to, const XMLDocument &document)
+{
     if (document.version || document.encoding) {
         to = append(to, "<?xml ");
         if (document.version)
@@ -76,7 +81,32 @@ void XMLWriter::writeDocument(const XMLDocument &document)
     }
     if (document.doctype)
         to = appendBetween(to, "<!DOCTYPE ", document.doctype, ">\n");
-    flush(appendTree(to, document.root, 0));
+    return to;
+}
+
+void XMLWriter::beginElement(const XMLElement *element)
+{
+    end = appendStartTag(appendIndentation(endStartTag(end), openElements), element);
+    ++openElements;
+    isTagOpen = true;
+}
+
+void XMLWriter::writeInside(const XMLNode *node)
+{
+    assert(node);
+    end = appendTree(endStartTag(end), node, openElements);
+}
+
+void XMLWriter::endElement(const char *name)
+{
+    --openElements;
+    end = isTagOpen ? appendLineEnd(append(end, "/>")) : appendEndTag(end, name, openElements);
+    isTagOpen = false;
+}
+
+char *XMLWriter::endStartTag(char *to)
+{
+    return std::exchange(isTagOpen, false) ? appendLineEnd(append(to, ">")) : to;
 }
 
 char *XMLWriter::appendTree(char *to, const XMLNode *node, long long depth)
@@ -97,7 +127,7 @@ char *XMLWriter::appendTree(char *to, const XMLNode *node, long long depth)
         while (!open.empty() && !node->nextSibling) {
             node = open.back();
             open.pop_back();
-            to = appendEndTag(to, static_cast<const XMLElement *>(node), --depth);
+            to = appendEndTag(to, static_cast<const XMLElement *>(node)->name(), --depth);
         }
         if (open.empty())
             return to;
@@ -115,7 +145,8 @@ char *XMLWriter::appendNode(char *to, const XMLNode *node, long long depth)
     };
     switch (node->kind()) {
     case XMLNode::Kind::Element:
-        return appendStartTag(to, static_cast<const XMLElement *>(node));
+        to = appendStartTag(to, static_cast<const XMLElement *>(node));
+        return appendLineEnd(append(to, node->firstChild ? ">" : "/>"));
     case XMLNode::Kind::Data:
         return appendEscaped(to, textOf(node));
     case XMLNode::Kind::Comment:
@@ -191,6 +222,7 @@ void XMLWriter::writeEscaped(const char *text)
     flush(appendEscaped(buffer, text));
 }
 
+/// Without its end.
 char *XMLWriter::appendStartTag(char *to, const XMLElement *element)
 {
     to = appendText(append(to, "<"), element->name());
@@ -198,13 +230,13 @@ char *XMLWriter::appendStartTag(char *to, const XMLElement *element)
         to = appendBetween(to, " ", attribute.name, "=\"");
         to = append(appendEscaped(to, attribute.value), "\"");
     }
-    return appendLineEnd(append(to, element->firstChild ? ">" : "/>"));
+    return to;
 }
 
-char *XMLWriter::appendEndTag(char *to, const XMLElement *element, long long depth)
+char *XMLWriter::appendEndTag(char *to, const char *name, long long depth)
 {
     to = appendIndentation(to, depth);
-    return appendLineEnd(appendBetween(to, "</", element->name(), ">"));
+    return appendLineEnd(appendBetween(to, "</", name, ">"));
 }
 
 char *XMLWriter::appendReference(char *to, unsigned char byte)

@@ -38,6 +38,18 @@ public:
     /// stack for a deep tree than for a flat one.
     void writeNode(const XMLNode *node, long long depth) { flush(appendTree(buffer, node, depth)); }
 
+    // The same a piece at a time. It is handed to the stream when the buffer is full, and by flush().
+
+    /// The declaration and the document type.
+    void writeHead(const XMLDocument &document) { end = appendHead(end, document); }
+    /// The start tag, but for its end: what is written next tells whether there is anything in it.
+    void beginElement(const XMLElement *element);
+    /// \a node, which is not null, and all below it, inside the element that was begun last.
+    void writeInside(const XMLNode *node);
+    /// Ends the element that was begun last, which has that \a name.
+    void endElement(const char *name);
+    void flush() { end = flush(end); }
+
     /// \a text, which can be null, in printable ASCII: all other bytes as references.
     void writeEscaped(const char *text);
 
@@ -62,8 +74,10 @@ private:
     char *appendEscaped(char *to, const char *text);
     char *appendReference(char *to, unsigned char byte);
     char *appendIndentation(char *to, long long depth);
+    char *appendHead(char *to, const XMLDocument &document);
     char *appendStartTag(char *to, const XMLElement *element);
-    char *appendEndTag(char *to, const XMLElement *element, long long depth);
+    char *appendEndTag(char *to, const char *name, long long depth);
+    char *endStartTag(char *to);
     char *appendTree(char *to, const XMLNode *node, long long depth);
     char *appendNode(char *to, const XMLNode *node, long long depth);
     char *appendLineEnd(char *to) { return indent != 0 ? append(to, "\n") : to; }
@@ -79,4 +93,8 @@ private:
     int indent;
     char buffer[bufferSize + slack];
     char *const bufferEnd = buffer + bufferSize;
+
+    char *end = buffer;  ///< of what was written a piece at a time
+    long long openElements = 0;
+    bool isTagOpen = false;  ///< whether the start tag that was written last lacks its end
 };
