@@ -120,6 +120,8 @@ public:
 private:
     void readText();
     void read();
+    bool readOn(const char *to, std::size_t fewestOpen);
+    std::size_t firstOpenDirective();
     bool finishWindow();
     void walkTop();
     void enterLevel(XMLReader::OpenElement *open);
@@ -206,21 +208,40 @@ void Windows::readText()
     walk.run.budget.exclude(document.bytesUsed() - before, length - rest.size());
 }
 
-/// Reads the window, and leaves the levels that end in it.
+/// Reads the window, and leaves the levels that end in it. In the second half it ends as soon as no
+/// directive is open.
 void Windows::read()
 {
-    for (;;) {
-        const std::size_t before = document.bytesUsed();
-        const bool goesOn = reader.readOn(limit, levels.size());
-        walk.run.budget.exclude(document.bytesUsed() - before, document.bytesUsed() - before);
-        document.checkHead();
-        // Where bytes are left, they were not needed to tell what stands before them.
-        if (!goesOn || (!isEnd && reader.rest().empty()))
-            throw NeedsTree();
-        if (reader.openElements().size() >= levels.size())
-            return;
+    const char *const middle = isEnd ? limit : limit - request.sizes.text / 2;
+    while (!readOn(middle, levels.size()))
         leaveLevel();
-    }
+    const std::size_t outermost = firstOpenDirective();
+    if (outermost < reader.openElements().size())
+        readOn(limit, outermost + 1);
+}
+
+/// False where there are fewer than \a fewestOpen open elements before \a to is reached.
+bool Windows::readOn(const char *to, std::size_t fewestOpen)
+{
+    const std::size_t before = document.bytesUsed();
+    const bool goesOn = reader.readOn(to, fewestOpen);
+    const std::size_t bytes = document.bytesUsed() - before;
+    walk.run.budget.exclude(bytes, bytes);
+    document.checkHead();
+    // Where bytes are left, they were not needed to tell what stands before them.
+    if (!goesOn || (!isEnd && reader.rest().empty()))
+        throw NeedsTree();
+    return reader.openElements().size() >= fewestOpen;
+}
+
+/// How many elements are open around the outermost directive, or at all.
+std::size_t Windows::firstOpenDirective()
+{
+    const std::vector<XMLReader::OpenElement> &open = reader.openElements();
+    std::size_t first = levels.size();
+    while (first < open.size() && !directive::findDirective(open[first].element->name()))
+        ++first;
+    return first;
 }
 
 /// Walks all that is complete, which need not be all that was read: false where a directive is open,
@@ -234,12 +255,9 @@ bool Windows::finishWindow()
         walkTop();
     else
         walkLevel(&open[levels.size() - 1]);
-    while (levels.size() < open.size()) {
-        if (directive::findDirective(open[levels.size()].element->name()))
-            return false;
+    for (const std::size_t all = firstOpenDirective(); levels.size() < all;)
         enterLevel(&open[levels.size()]);
-    }
-    return isRootWritten || !open.empty();
+    return levels.size() == open.size() && (isRootWritten || !open.empty());
 }
 
 /// Does what is to be done outside of all levels: there can be an open element, which is the root,

@@ -81,7 +81,8 @@ bool XMLReader::readOn(const char *limit, std::size_t fewestOpen)
         if (open.size() < fewestOpen)
             break;
     }
-    return true;
+    // Text can be first only in the whole document.
+    return *position == '<' || position == textEnd;
 }
 
 /// Reads one construct, from behind its '<'. False ends the read.
