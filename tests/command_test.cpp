@@ -21,7 +21,18 @@ class CaseTest : public testing::Test
 public:
     explicit CaseTest(Case tested) : parts(std::move(tested)) {}
 
+    /// The result never tells how long the windows are.
     void TestBody() override
+    {
+        const std::string path = fs::path(XMLPP_COMMAND).parent_path();
+        run("PATH='" + path + "'");
+        for (const char *window : {"32", "64", "100"})
+            run("export XMLPP_WINDOW=" + std::string(window) + " PATH='" + path +
+                "/windows:" + path + "'");
+    }
+
+private:
+    void run(const std::string &settings) const
     {
         const ScratchDirectory scratch;
         for (const auto &[name, content] : parts) {
@@ -29,10 +40,10 @@ public:
             if (name.starts_with("file "))
                 scratch.write(name.substr(5), content);
         }
-        const std::string path = fs::path(XMLPP_COMMAND).parent_path();
         // Another build's program is tested with its directory in the environment: tools/cases.
-        const std::string script = "PATH=${XMLPP_DIRECTORY:-'" + path +
-                                   "'}:$PATH\nexamples='" XMLPP_SOURCES "/examples'\n" +
+        const std::string script = "system=$PATH\n" + settings +
+                                   "\nPATH=${XMLPP_DIRECTORY:-$PATH}:$system"
+                                   "\nexamples='" XMLPP_SOURCES "/examples'\n" +
                                    parts.at("run");
         auto [status, prints] = runCommand({"/bin/sh", "-c", script}, scratch.path());
         if (status != 0)
@@ -41,7 +52,6 @@ public:
         EXPECT_EQ(readFile(scratch.file("out.xml")), parts.at("out")) << script;
     }
 
-private:
     const Case parts;
 };
 

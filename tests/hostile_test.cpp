@@ -55,6 +55,8 @@ const Hostile documents[] = {
     {"Conditions", "<r>", "<ifndef name='a@'><if m='1'><a/></if></ifndef>", "", "", "</r>"},
     {"Fragments", "<r><xmldef name='f'/>", "<xmlput name='f' macros='a@=1'/>", "", "", "</r>"},
     {"Levels", manyMacros, "<a><define name='b1' value='2'/>", "", "</a>", "</r>", 4000},
+    {"Rounds", "<r><a><for index='i' start='0' end='3000000' incr='1'><a v='$(i)'/></for></a>", "",
+     "", "", "</r>"},
     {"Splices", "<r>", "<if m='1'>", manyCopies, "</if>", "</r>", 4000},
 };
 

@@ -42,6 +42,21 @@ TEST(Pool, ReusesTheLastReleasedBlockThatFitsAndPoisonsIt)
     EXPECT_EQ(take(&other, 8100), last);
 }
 
+TEST(Pool, GoesBackToAMark)
+{
+    Pool pool;
+    const Pool::Mark empty = pool.mark();
+    const char *first = take(&pool, 16);
+    const Pool::Mark mark = pool.mark();
+    take(&pool, 20000);
+    take(&pool, 8);
+    pool.release(mark);
+    EXPECT_EQ(take(&pool, 8), first + 16);
+    pool.release(empty);
+    EXPECT_EQ(pool.bytesUsed(), 20032U);
+    EXPECT_EQ(take(&pool, 8), first);
+}
+
 TEST(Pool, AllocatesFromTheCurrentOneOrADefault)
 {
     {

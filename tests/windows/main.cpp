@@ -1,4 +1,4 @@
-// xmlpp with windows of XMLPP_WINDOW bytes, for the tests.
+// xmlpp with windows of XMLPP_WINDOW bytes.
 
 #include "command.h"
 #include "myxmlpp2.h"
@@ -10,14 +10,11 @@ namespace
 
 int preprocess(command::Arguments arguments)
 {
-    const char *given = std::getenv("XMLPP_WINDOW");
-    windows::Sizes sizes;
-    if (given) {
-        sizes.text = std::strtoul(given, nullptr, 10);
-        sizes.lookAhead = 2 * sizes.text;
-    }
+    const std::size_t window = std::strtoul(std::getenv("XMLPP_WINDOW"), nullptr, 10);
     static MyXMLPP2 &document = *new MyXMLPP2(false);
-    return command::process(&document, arguments, sizes) ? EXIT_SUCCESS : EXIT_FAILURE;
+    const bool ok =
+        command::process(&document, arguments, {.text = window, .lookAhead = 2 * window});
+    return ok ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 }  // namespace
