@@ -4,8 +4,10 @@
 #include "caseparts.h"
 #include "check.h"
 #include "checker.h"
+#include "command.h"
 #include "inputtext.h"
 #include "macrovalues.h"
+#include "windows.h"
 #include "xmlpp2.h"
 
 #include <filesystem>
@@ -20,7 +22,13 @@ class FuzzedDocument : public XMLPP2
 {
 public:
     /// As in the command, the first error ends the run.
-    [[noreturn]] void reportError(const std::string &) override { throw std::bad_alloc(); }
+    [[noreturn]] void reportError(const std::string &message) override
+    {
+        error = message;
+        throw std::bad_alloc();
+    }
+
+    std::string error;
 };
 
 std::string macroList()
@@ -31,6 +39,30 @@ std::string macroList()
     return list;
 }
 
+/// Ends the run as a find when windows of some size end otherwise than the tree does: \a right is what
+/// that has written, or its error.
+void compareWindows(const Limits &limits, const std::string &right)
+{
+    const std::string macros = macroList();
+    const std::string out = "windows-" + std::to_string(getpid()) + ".xml";
+    for (const std::size_t size : {32, 64, 100}) {
+        std::string left;
+        const auto outcome = windows::preprocess({.inFile = "in.xml",
+                                                  .outFile = out.c_str(),
+                                                  .macroList = macros.c_str(),
+                                                  .doctype = nullptr,
+                                                  .limits = limits,
+                                                  .sizes = {size, 2 * size}},
+                                                 &left);
+        if (outcome == windows::Outcome::NeedsTree)
+            continue;
+        if (outcome == windows::Outcome::Written)
+            left = readFile(out);
+        std::remove(out.c_str());
+        requireEqual(left, right);
+    }
+}
+
 }  // namespace
 
 /// Every include adds a "./" to the name.
@@ -39,6 +71,11 @@ FILE *openFile(const std::string &name, const char *mode)
     const std::filesystem::path path = name;
     std::string &text = parts["file " + path.lexically_normal().string()];
     return text.empty() ? nullptr : fmemopen(text.data(), text.size(), mode);
+}
+
+bool canBeReadAgain(const std::string &)
+{
+    return true;
 }
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
@@ -54,14 +91,20 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     for (const bool expand : {true, false}) {
         FuzzedDocument document;
         document.limits = limits;
+        std::string result;
         try {
-            // An inherited attribute can be called anything.
-            if (document.preprocessFile("in.xml", macroList(), expand) &&
-                input.find("inherit_attributes") == std::string::npos)
-                requireStable(&document, 2);
+            if (document.preprocessFile("in.xml", macroList(), expand)) {
+                result = written([&](FILE *stream) { document.write(stream, 2); });
+                // An inherited attribute can be called anything.
+                if (input.find("inherit_attributes") == std::string::npos)
+                    requireStable(&document, 2);
+            }
         } catch (const std::bad_alloc &) {
             // An error, or an expansion that is too long: legal ends.
+            result = document.error;
         }
+        if (expand)
+            compareWindows(limits, result);
     }
     return 0;
 }

@@ -64,6 +64,8 @@ public:
     /// Appends the copies that the next round consists of, fewer where a bound is passed on the way.
     /// False when it was the last one.
     virtual bool make(Run &run, Chain *copies) = 0;
+
+    unsigned count = 0;  ///< how many there are
 };
 
 /// What becomes of a directive's element.

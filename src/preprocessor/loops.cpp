@@ -59,7 +59,7 @@ public:
     /// The number of rounds, \a most + 1 if there are more than \a most. The step is not 0. A
     /// counter that gets past 2^32 begins again somewhere below its end, so that only counting
     /// tells; *counted receives how many rounds had to be counted.
-    unsigned count(unsigned most, unsigned *counted) const
+    unsigned countUpTo(unsigned most, unsigned *counted) const
     {
         assert(step != 0 || start >= end);
         *counted = 0;
@@ -142,7 +142,7 @@ public:
     }
 
     /// The number of combinations, \a most + 1 if there are more than \a most.
-    unsigned count(unsigned most) const
+    unsigned countUpTo(unsigned most) const
     {
         std::uint64_t product = 1;
         for (const List &list : lists)
@@ -197,6 +197,7 @@ Outcome repeat(Run &run, const XMLElement &loop, unsigned count, std::unique_ptr
     if (count == 0 || !isElement(loop.firstChild))
         return Outcome::remove();
     rounds->body = loop.firstChild;
+    rounds->count = count;
     for (const XMLNode *child = loop.firstChild; isElement(child); child = child->nextSibling)
         run.sharedText += count * textOf(child, UINT64_MAX);
     return {.action = Outcome::Action::Repeat, .rounds = std::move(rounds)};
@@ -251,7 +252,7 @@ Outcome handleFor(Run &run, XMLElement &element, const Level &)
         return Outcome::remove();
     }
     unsigned counted = 0;
-    const unsigned count = rounds->count(run.limits.loopRounds, &counted);
+    const unsigned count = rounds->countUpTo(run.limits.loopRounds, &counted);
     run.budget.spend(Price::CountedRound, counted);
     rounds->begin(attributeText(element, "index"));
     return repeat(run, element, count, std::move(rounds));
@@ -270,7 +271,7 @@ Outcome handleForeach(Run &run, XMLElement &element, const Level &)
             return Outcome::remove();
         rounds->addList(attribute.name, std::move(values));
     }
-    const unsigned count = rounds->count(run.limits.loopRounds);
+    const unsigned count = rounds->countUpTo(run.limits.loopRounds);
     return repeat(run, element, count, std::move(rounds));
 }
 

@@ -111,16 +111,21 @@ void Walk::end(const char *name)
         output->endElement(name);
 }
 
+/// Where copies of that size are too many to be brought in, all are made first as without an output:
+/// then nothing is written before that is found out.
 XMLNode **Walk::repeat(directive::Rounds *rounds, XMLNode **link, XMLElement &element,
                        const Level &level)
 {
     directive::Chain copies{element.parent};
-    bool isLast = false;
-    while (!isLast && !run.isStopped()) {
+    bool isOneByOne = output;
+    for (bool goesOn = true; goesOn && !run.isStopped();) {
         const Pool::Mark before = run.document.mark();
+        const std::size_t bytesBefore = run.document.bytesUsed();
         const std::size_t fragmentsBefore = run.storedFragments;
-        isLast = !rounds->make(run, &copies);
-        if (output) {
+        goesOn = rounds->make(run, &copies);
+        const std::size_t bytes = run.document.bytesUsed() - bytesBefore;
+        isOneByOne = isOneByOne && bytes <= run.limits.growth / rounds->count;
+        if (isOneByOne) {
             walkChain(&copies.first, nullptr, level);
             if (run.storedFragments == fragmentsBefore)
                 run.document.release(before);

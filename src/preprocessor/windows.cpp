@@ -152,7 +152,6 @@ private:
     bool isRootWritten = false;
 
     std::string refusal;  ///< why the walk has ended; empty as long as it goes on
-    bool isBudgetSpent = false;
 };
 
 Windows::Windows(const Request &wanted, InputStream source, OutputFile *target)
@@ -320,16 +319,18 @@ void Windows::walkNodes(XMLNode *first)
     execute([&] { walk.walkChildren(first, level); });
 }
 
-/// What the walk does at its end, and whether a bound that it has met was met indeed.
+/// Does what the walk does at its end, and finds out whether a bound that was met is one for the whole
+/// document too.
 void Windows::finish()
 {
     if (!isRootWritten)
         throw NeedsTree();
     directive::Run &run = walk.run;
     execute([&] { run.stopPastBounds(); });
-    const bool isMet = !isBudgetSpent || run.budget.isSpent();
-    if (!isMet ||
-        (refusal.empty() && run.sharedText > run.budget.left(directive::Price::SharedByte)))
+    const bool isKnown = refusal.empty()
+                             ? run.sharedText <= run.budget.left(directive::Price::SharedByte)
+                             : run.budget.isSpent();
+    if (!isKnown)
         throw NeedsTree();
 }
 
@@ -343,10 +344,9 @@ void Windows::execute(Step step)
     try {
         step();
     } catch (const DirectiveError &error) {
-        if (!walk.run.isStopped())
+        if (!walk.run.budget.isSpent())
             throw NeedsTree();
         refusal = error.message;
-        isBudgetSpent = walk.run.budget.isSpent();
     }
 }
 

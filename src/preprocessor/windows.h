@@ -38,8 +38,8 @@
 /// | memory that runs out | as an error of a directive | preprocess() |
 /// | an output that cannot be written whole | as an error of a directive | run() |
 ///
-/// A bound that is met is no reason: the same work would only be done again. Then the rest is read,
-/// as an error in it would come first, and the bound is reported.
+/// A spent budget is no reason: the same work would only be done again. The rest of the document is read,
+/// as an error in it would come first, and then the bound is reported.
 namespace windows
 {
 
