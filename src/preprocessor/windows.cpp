@@ -207,11 +207,11 @@ void Windows::readText()
     walk.run.budget.exclude(document.bytesUsed() - before, length - rest.size());
 }
 
-/// Reads the window, and leaves the levels that end in it. In the second half it ends as soon as no
+/// Reads the window, and leaves the levels that end in it. In its last part it ends as soon as no
 /// directive is open.
 void Windows::read()
 {
-    const char *const middle = isEnd ? limit : limit - request.sizes.text / 2;
+    const char *const middle = isEnd ? limit : limit - request.sizes.text / 8;
     while (!readOn(middle, levels.size()))
         leaveLevel();
     const std::size_t outermost = firstOpenDirective();
