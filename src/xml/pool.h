@@ -75,7 +75,7 @@ private:
     static std::size_t roundUp(std::size_t size) { return (size + 7) & ~std::size_t{7}; }
     static Block *takeBlock(std::size_t wanted);
     static Pool *useDefaultPool();
-    void *allocateFromNextBlock(std::size_t size);
+    [[gnu::cold]] void *allocateFromNextBlock(std::size_t size);
     void releaseBlock();
 
     static inline Block *freeBlocks = nullptr;
