@@ -16,9 +16,9 @@
 class OutputFile
 {
 public:
-    /// With \a onlyTemporary there is no stream for what would be written in place, and nothing
+    /// With \a temporaryOnly there is no stream for what would be written in place, and nothing
     /// happens to it.
-    explicit OutputFile(const char *fileName, bool onlyTemporary = false);
+    explicit OutputFile(const char *fileName, bool temporaryOnly = false);
     ~OutputFile();
     OutputFile(const OutputFile &) = delete;
     OutputFile &operator=(const OutputFile &) = delete;

@@ -10,7 +10,8 @@ namespace
 
 int preprocess(command::Arguments arguments)
 {
-    const std::size_t window = std::strtoul(std::getenv("XMLPP_WINDOW"), nullptr, 10);
+    const char *const given = std::getenv("XMLPP_WINDOW");
+    const std::size_t window = std::strtoul(given ? given : "32", nullptr, 10);
     static MyXMLPP2 &document = *new MyXMLPP2(false);
     const bool ok =
         command::process(&document, arguments, {.text = window, .lookAhead = 2 * window});
