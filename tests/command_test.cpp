@@ -26,9 +26,9 @@ public:
     {
         const std::string path = fs::path(XMLPP_COMMAND).parent_path();
         run("PATH='" + path + "'");
+        const std::string withWindows = " PATH='" + path + "/windows:" + path + "'";
         for (const char *window : {"32", "64", "100"})
-            run("export XMLPP_WINDOW=" + std::string(window) + " PATH='" + path +
-                "/windows:" + path + "'");
+            run(std::string("export XMLPP_WINDOW=").append(window).append(withWindows));
     }
 
 private:

@@ -102,12 +102,19 @@ TEST(Expr, ComesOutTheSameWithATreeAndWithout)
     const std::vector<std::string> operators = {
         "*",  "/",  "%",  "+",  "-", "<<", ">>", "<",  ">",
         "<=", ">=", "==", "!=", "&", "^",  "|",  "&&", "||"};
+    const auto concatenated = [](std::initializer_list<std::string> parts) {
+        std::string all;
+        for (const std::string &part : parts)
+            all += part;
+        return all;
+    };
     for (const std::string &one : operators) {
         for (const std::string &other : operators)
-            plainValuesOf("9 " + one + " -5\xA0" + other + "0xA");
+            plainValuesOf(concatenated({"9 ", one, " -5\xA0", other, "0xA"}));
         const std::int32_t level = findOperator(one[0], one[1])->level;
         if (level > 6 || (level > 1 && level < 5)) {
-            EXPECT_EQ(dumpOf("1" + one + "=2"), "=(Constant(1)," + dumpOf("1" + one + "2") + ")");
+            EXPECT_EQ(dumpOf(concatenated({"1", one, "=2"})),
+                      concatenated({"=(Constant(1),", dumpOf(concatenated({"1", one, "2"})), ")"}));
         }
     }
     expectOutcome(plainValuesOf, {"\"\xE4\">\"b\""}, "none none 1");

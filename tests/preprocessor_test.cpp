@@ -129,9 +129,9 @@ TEST(Limits, BoundWork)
 
 TEST(Limits, BoundWhatDirectivesBringIn)
 {
-    for (const auto &[body, bytes] : {std::pair("<a/>", 90'000U),
-                                      {"<a v='$(u:1)'/>", 110'000U},
-                                      {"<include filename='a.xml'/>", 180'000U}}) {
+    for (const auto &[body, bytes] : {std::pair("<a/>", std::size_t{90'000}),
+                                      {"<a v='$(u:1)'/>", std::size_t{110'000}},
+                                      {"<include filename='a.xml'/>", std::size_t{180'000}}}) {
         EXPECT_EQ(errorsOf(body, {.growth = bytes}), " ! directives bring more than " +
                                                          std::to_string(bytes) +
                                                          " bytes into the document");

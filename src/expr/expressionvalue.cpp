@@ -9,7 +9,7 @@ std::int64_t PlainValue::toInt64() const
     if (isInteger())
         return static_cast<std::int64_t>(payload << unusedBits()) >> unusedBits();
     if (kind == Floating) {
-        const double number = std::bit_cast<double>(payload);
+        const auto number = std::bit_cast<double>(payload);
         constexpr double limit = 9223372036854775808.0;  // 2^63
         // Written so that a NaN, for which every comparison is false, is out of range too.
         return number >= -limit && number < limit ? static_cast<std::int64_t>(number)
