@@ -82,25 +82,6 @@ TEST(Expansion, Ends)
     EXPECT_EQ(size(std::string(1001, 'x'), ""), 1001U);
 }
 
-TEST(Expansion, CostsTwiceAsMuchForTwiceTheText)
-{
-    const MacroMap macros{{"Date", ""}};
-    MapLookup lookup(&macros);
-    const std::pair<const char *, double> pieces[] = {{"plain", 0.02},  {"$", 6},   {"$(u)", 5},
-                                                      {"$(u:$(a))", 4}, {"$(:", 3}, {"$((", 3},
-                                                      {"$(Date)", 7}};
-    for (const auto &[piece, least] : pieces) {
-        std::string text, result;
-        while (text.size() < 1 << 16)
-            text += piece;
-        const auto size = static_cast<double>(text.size());
-        const auto cost = static_cast<double>(globalMacros.expand(lookup, text, &result));
-        const auto twice = static_cast<double>(globalMacros.expand(lookup, text + text, &result));
-        EXPECT_NEAR(twice / cost, 2, 0.1) << piece;
-        EXPECT_GT(cost / size, least) << piece;
-    }
-}
-
 TEST(MacroScopes, PutBackWhatALevelChanged)
 {
     MacroMap outermost{{"a", "1"}};
