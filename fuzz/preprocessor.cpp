@@ -45,7 +45,7 @@ void compareWindows(const Limits &limits, const std::string &right)
 {
     const std::string macros = macroList();
     const std::string out = "windows-" + std::to_string(getpid()) + ".xml";
-    for (const std::size_t size : {32, 64, 100}) {
+    for (const std::size_t size : {32U, 64U, 100U}) {
         std::string left;
         const auto outcome = windows::preprocess({.inFile = "in.xml",
                                                   .outFile = out.c_str(),
