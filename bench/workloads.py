@@ -184,15 +184,15 @@ def tiny(size: int) -> Iterator[Piece]:
 
 
 WORKLOADS = [
-    Workload(passthrough, 64_000_000, 4_000_000, 150, {"pugixml": 1.55, "xmllint": 0, "tr": 0}),
-    Workload(wide, 1_000_000, 80_000, 134, {"pugixml": 1.6, "xmllint": 0, "tr": 0}),
-    Workload(deep, 200_000, 16_000, 43, {"pugixml": 1.95, "xmllint": 0, "tr": 0}),
-    Workload(macros, 300_000, 24_000, 81, {"envsubst": 1.9, "m4": 6.5, "gpp": 0}),
-    Workload(conditionals, 300_000, 24_000, 94, {"m4": 3.2, "cpp": 0, "cpp-trad": 0, "gpp": 0}),
-    Workload(expressions, 200_000, 16_000, 56, {"m4": 3.6, "gpp": 0}),
-    Workload(loops, 1_000_000, 80_000, 199, {"jinja2": 3.2, "m4": 11, "xsltproc": 14, "gpp": 0}),
-    Workload(includes_many, 10_000, 800, 25, {"cpp": 1.6} | INCLUDING),
-    Workload(includes_one, 10_000, 800, 23, {"cpp": 1.5} | INCLUDING),
-    Workload(fragments, 200_000, 16_000, 112, {"cpp-trad": 1.5, "m4": 5, "gpp": 0, "xsltproc": 0}),
-    Workload(tiny, 1, 1, 8.1, {"gpp": 1.0, "m4": 1.6, "xmllint-out": 3, "true": 0}, 5, turns=8),
+    Workload(passthrough, 64_000_000, 4_000_000, 8, {"pugixml": 2.2, "xmllint": 0, "tr": 0}),
+    Workload(wide, 1_000_000, 80_000, 8, {"pugixml": 2.5, "xmllint": 0, "tr": 0}),
+    Workload(deep, 200_000, 16_000, 8, {"pugixml": 2.2, "xmllint": 0, "tr": 0}),
+    Workload(macros, 300_000, 24_000, 8, {"envsubst": 2.9, "m4": 6.5, "gpp": 0}),
+    Workload(conditionals, 300_000, 24_000, 8, {"m4": 6.8, "cpp": 0, "cpp-trad": 0, "gpp": 0}),
+    Workload(expressions, 200_000, 16_000, 8, {"m4": 5.2, "gpp": 0}),
+    Workload(loops, 1_000_000, 80_000, 8, {"jinja2": 5.5, "m4": 18, "xsltproc": 14, "gpp": 0}),
+    Workload(includes_many, 10_000, 800, 8, {"cpp": 1.6} | INCLUDING),
+    Workload(includes_one, 10_000, 800, 8, {"cpp": 1.5} | INCLUDING),
+    Workload(fragments, 200_000, 16_000, 8, {"cpp-trad": 2.6, "m4": 5, "gpp": 0, "xsltproc": 0}),
+    Workload(tiny, 1, 1, 8, {"gpp": 1.0, "m4": 1.6, "xmllint-out": 3, "true": 0}, 5, turns=8),
 ]
