@@ -120,16 +120,6 @@ TEST_F(Tree, ExpandsAttributes)
     EXPECT_EQ(b->attribute("s"), same);
 }
 
-TEST_F(Tree, ExpandsWhereThePoolsBlockEnds)
-{
-    for (std::size_t length = 0; length < 1000; ++length) {
-        const std::string value(length, 'm');
-        b->setAttribute("v", "$(m)");
-        document.expandAttributes(b, {{"m", value}});
-        ASSERT_EQ(b->attribute("v"), value);
-    }
-}
-
 TEST_F(Tree, KnowsWhichElementsHaveReferences)
 {
     std::string text = R"xml(<r><a n="1"/><b n="&#36;(m)"/><x n="1"/><y n="1"/><z n="1"/></r>)xml";

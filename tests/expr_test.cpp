@@ -102,41 +102,22 @@ TEST(Expr, ComesOutTheSameWithATreeAndWithout)
     const std::vector<std::string> operators = {
         "*",  "/",  "%",  "+",  "-", "<<", ">>", "<",  ">",
         "<=", ">=", "==", "!=", "&", "^",  "|",  "&&", "||"};
-    const auto concatenated = [](std::initializer_list<std::string> parts) {
-        std::string all;
-        for (const std::string &part : parts)
-            all += part;
-        return all;
+    const auto around = [](std::string before, const std::string &text, const char *behind) {
+        return before.append(text).append(behind);
     };
     for (const std::string &one : operators) {
         for (const std::string &other : operators)
-            plainValuesOf(concatenated({"9 ", one, " -5\xA0", other, "0xA"}));
+            plainValuesOf(around(around("9 ", one, " -5\xA0"), other, "0xA"));
         const std::int32_t level = findOperator(one[0], one[1])->level;
         if (level > 6 || (level > 1 && level < 5)) {
-            EXPECT_EQ(dumpOf(concatenated({"1", one, "=2"})),
-                      concatenated({"=(Constant(1),", dumpOf(concatenated({"1", one, "2"})), ")"}));
+            EXPECT_EQ(dumpOf(around("1", one, "=2")),
+                      around("=(Constant(1),", dumpOf(around("1", one, "2")), ")"));
         }
     }
     expectOutcome(plainValuesOf, {"\"\xE4\">\"b\""}, "none none 1");
     expectOutcome(plainValuesOf, {times(999, " ") + "8"}, "8 8 none");
     RecordingParser knowing;
     EXPECT_EQ(threeValues(&knowing, "(a=8)+0"), "8 8 none");
-}
-
-TEST(ExprLexer, KindsAreNumberedAndHavePrecedences)
-{
-    Lexer lexer;
-    int kind = 3;
-    std::string precedences;
-    lexer.setText(
-        "12 0x1F 0b10 1.5 \"a b\" a_$1 @r0 ; : :: ( ) [ ] { } . -> ++ -- ~ ! * / % + - "
-        "<< >> >>> < <= > >= == != & ^ | && || ? = += -= *= /= %= >>= <<= >>>= &= ^= |= ,");
-    for (; lexer.kind() != Token::EndOfInput; lexer.next()) {
-        EXPECT_EQ(lexer.kind(), kind++) << lexer.token();
-        precedences += ' ' + std::to_string(lexer.precedence());
-    }
-    EXPECT_EQ(precedences, times(22, " 10") + " 9 9 9 8 8 7 7 7 6 6 6 6 5 5 4 3 2 1 0 -1 -2" +
-                               times(11, " -3") + " -4");
 }
 
 TEST(ExprLexer, TheFirstRuleThatMatchesWins)

@@ -57,17 +57,4 @@ TEST(Pool, GoesBackToAMark)
     EXPECT_EQ(take(&pool, 8), first);
 }
 
-TEST(Pool, AllocatesFromTheCurrentOneOrADefault)
-{
-    {
-        Pool pool;
-        EXPECT_EQ(Pool::setCurrent(&pool), nullptr);
-        const char *piece = static_cast<char *>(Pool::allocateCurrent(8));
-        EXPECT_EQ(take(&pool, 8), piece + 8);
-    }
-    EXPECT_EQ(Pool::setCurrent(nullptr), nullptr);
-    EXPECT_NE(Pool::allocateCurrent(8), nullptr);
-    EXPECT_NE(Pool::setCurrent(nullptr), nullptr);
-}
-
 }  // namespace
