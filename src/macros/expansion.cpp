@@ -49,10 +49,11 @@ Parts partsOf(std::string_view reference, std::size_t colon)
         {reference.data() + 2, colon - 2}, {reference.data() + start, end - start}, hasTwoColons};
 }
 
-/// Whether it is worth asking MacroValues::readClock().
+/// Whether it is worth asking MacroValues::readClock(). Takes no call.
 bool canBeClock(std::string_view name)
 {
-    return name.starts_with("Date") || name.starts_with("Time");
+    return name.size() >= 4 &&
+           (std::memcmp(name.data(), "Date", 4) == 0 || std::memcmp(name.data(), "Time", 4) == 0);
 }
 
 /// One expansion: passes over a text, each of which makes the text of the next.
@@ -227,36 +228,54 @@ std::size_t endOfPlain(std::string_view text, char introducer, std::size_t *colo
     return end;
 }
 
-/// MacroValues::expandPlain() that adds to the cost, in picoseconds.
-std::size_t plainExpansion(MacroLookup &macros, std::string_view text, char introducer,
-                           std::span<char> room, std::uint64_t *cost)
+/// How much of \a text stands before the first \a byte. That is mostly little, for which a call would
+/// cost more than the search.
+std::size_t lengthUpTo(char byte, std::string_view text)
 {
+    const std::size_t few = std::min<std::size_t>(text.size(), 8);
+    for (std::size_t i = 0; i < few; ++i) {
+        if (text[i] == byte)
+            return i;
+    }
+    return std::min(text.find(byte, few), text.size());
+}
+
+/// Memory that a text is put together in.
+struct Room {
+    std::span<char> memory;
     std::size_t used = 0;
-    const auto append = [&](std::string_view piece) {
-        if (piece.size() > room.size() - used)
+
+    /// False where there is not enough.
+    bool append(std::string_view piece)
+    {
+        if (piece.size() > memory.size() - used)
             return false;
-        std::memmove(room.data() + used, piece.data(), piece.size());
+        std::memmove(memory.data() + used, piece.data(), piece.size());
         used += piece.size();
-        *cost += (price::characterPassed + price::characterAppended) * piece.size();
         return true;
-    };
+    }
+};
+
+/// MacroValues::expandPlain() that adds to the cost, in picoseconds. False where the text is not plain.
+bool plainExpansion(MacroLookup &macros, std::string_view text, char introducer, Room *result,
+                    std::uint64_t *cost)
+{
     for (;;) {
-        const std::size_t found = std::min(text.find(introducer), text.size());
-        if (!append(text.substr(0, found)))
-            return MacroValues::notPlain;
+        const std::size_t found = lengthUpTo(introducer, text);
+        if (found > 0 && !result->append(text.substr(0, found)))
+            return false;
         text.remove_prefix(found);
         if (text.empty())
-            return used;
+            return true;
         std::size_t colon = std::string_view::npos;
         const std::size_t end = endOfPlain(text, introducer, &colon);
-        *cost += price::characterInReference * end;
+        *cost += price::reference + price::characterInReference * end;
         if (end == text.size() || text[end] != ')')
-            return MacroValues::notPlain;
+            return false;
         auto [name, value, hasTwoColons] = partsOf(text.substr(0, end + 1), colon);
-        *cost += price::reference;
         macros.find(name, &value);
-        if (canBeClock(name) || !append(value))
-            return MacroValues::notPlain;
+        if (canBeClock(name) || !result->append(value))
+            return false;
         text.remove_prefix(end + 1);
     }
 }
@@ -285,8 +304,9 @@ std::size_t MacroValues::expandPlain(MacroLookup &macros, std::string_view text,
     if (room.empty())
         return notPlain;
     std::uint64_t cost = price::plainPass;
-    const std::size_t most = std::min(room.size(), limits.length);
-    const std::size_t used = plainExpansion(macros, text, macroIntroducer, room.first(most), &cost);
+    Room result{room.first(std::min(room.size(), limits.length))};
+    const bool isPlain = plainExpansion(macros, text, macroIntroducer, &result, &cost);
+    cost += (price::characterPassed + price::characterAppended) * result.used;
     *steps += cost / 1000;
-    return used;
+    return isPlain ? result.used : notPlain;
 }

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cassert>
 
-MacroScopes::MacroScopes(MacroMap *outermostLevel) : outermost(*outermostLevel), cells(64)
+MacroScopes::MacroScopes(MacroMap *outermostLevel) : outermost(*outermostLevel), cells(128)
 {
     for (const auto &[name, value] : outermost)
         define(name, value);
@@ -16,7 +16,7 @@ MacroScopes::Macro &MacroScopes::findOrAdd(std::string_view name)
     const NameKey key(name);
     if (Macro *found = cells[cellOf(key, name)])
         return *found;
-    if (macros.size() * 2 == cells.size()) {
+    if (macros.size() * 4 == cells.size()) {
         cells.assign(cells.size() * 2, nullptr);
         for (Macro &macro : macros)
             cells[cellOf(macro.key, macro.name)] = &macro;

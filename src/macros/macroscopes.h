@@ -132,7 +132,7 @@ private:
 
     MacroMap &outermost;
     std::deque<Macro> macros;
-    std::vector<Macro *> cells;  ///< the macros by the hash of their names, at most half full
+    std::vector<Macro *> cells;  ///< the macros by the hash of their names, at most a quarter full
     std::vector<Change> changes;
     std::string text;
     int depth = 0;

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cassert>
+#include <charconv>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -91,7 +93,8 @@ private:
 
     std::uint32_t current = 0;
     std::string_view counterName;
-    std::string value;
+    char digits[10] = {};  ///< of the counter
+    std::string value;     ///< of another macro
 };
 
 /// 0 gives A. Past Z the codes go on, and begin again at 2^16; one that no byte holds gives '?'.
@@ -101,15 +104,14 @@ char letter(std::uint32_t counter)
     return code > 0xFF ? '?' : static_cast<char>(code);
 }
 
-/// A macro of the round by what follows the counter's name in its own; its value is made of the
-/// counter and of what factor and offset make of that.
+/// A macro of the round beside the counter itself, by what follows the counter's name in its own; its
+/// value is made of the counter and of what factor and offset make of that.
 struct DerivedMacro {
     std::string_view suffix;
     std::string (*value)(std::uint32_t counter, std::uint32_t derived);
 };
 
 constexpr DerivedMacro derivedMacros[] = {
-    {"", [](std::uint32_t i, std::uint32_t) { return std::to_string(i); }},
     {"_alpha", [](std::uint32_t i, std::uint32_t) { return std::string(1, letter(i)); }},
     {"_hex", [](std::uint32_t i, std::uint32_t) { return toHexadecimal(i); }},
     {"_ap", [](std::uint32_t, std::uint32_t ap) { return std::to_string(ap); }},
@@ -121,6 +123,10 @@ bool CountedRounds::find(std::string_view name, std::string_view *found)
     if (!name.starts_with(counterName))
         return false;
     const std::string_view suffix = name.substr(counterName.size());
+    if (suffix.empty()) {
+        *found = {digits, std::to_chars(std::begin(digits), std::end(digits), current).ptr};
+        return true;
+    }
     const auto *const derived = std::ranges::find(derivedMacros, suffix, &DerivedMacro::suffix);
     if (derived == std::end(derivedMacros))
         return false;

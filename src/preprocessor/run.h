@@ -45,7 +45,8 @@ public:
     /// Expands the attribute values of \a element with the macros in force.
     void expandAttributes(XMLElement &element)
     {
-        budget.spend(Price::Nanosecond, document.expandAttributes(&element, macros));
+        if (!element.isLiteral())
+            budget.spend(Price::Nanosecond, document.expandAttributes(&element, macros));
     }
 
     /// A copy of \a source and the elements below it, their values expanded with \a lookup.

@@ -162,7 +162,7 @@ Windows::Windows(const Request &wanted, InputStream source, OutputFile *target)
       writer(target->stream(), 2),
       macros(XMLPP2::macrosOf(wanted.macroList)),
       walk(&document, &macros, &writer),
-      reader(&document, emptyText())
+      reader(&document, emptyText(), /*wantsLines=*/false)
 {
     document.limits = request.limits;
 }

@@ -4,6 +4,7 @@
 #include "xmlcopy.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace
 {
@@ -12,11 +13,24 @@ namespace
 constexpr std::uint64_t stepsPerAttribute = 4;
 constexpr std::size_t charactersPerStep = 64;
 
-/// Whether there is a '$' in \a value. Adds what it cost to find out.
-bool hasReference(std::string_view value, std::uint64_t *steps)
+/// Where the first '$' in \a text is, or its end. Most values are so short that a call would cost more
+/// than the search.
+const char *findReference(const char *text)
 {
-    *steps += stepsPerAttribute + value.size() / charactersPerStep;
-    return value.find('$') != std::string_view::npos;
+    for (int step = 0; step < 8; ++step, ++text) {
+        if (*text == '$' || *text == '\0')
+            return text;
+    }
+    const char *const found = std::strchr(text, '$');
+    return found ? found : text + std::strlen(text);
+}
+
+/// Whether there is a '$' in \a value. Adds what it cost to find out.
+bool hasReference(const char *value, std::uint64_t *steps)
+{
+    const char *const found = findReference(value);
+    *steps += stepsPerAttribute + static_cast<std::size_t>(found - value) / charactersPerStep;
+    return *found == '$';
 }
 
 }  // namespace
@@ -48,20 +62,21 @@ XMLElement *QXMLDocument::copyExpanded(const XMLElement *source, MacroLookup &ma
 XMLElement *QXMLDocument::copyOneExpanded(const XMLElement *source, MacroLookup &macros,
                                           Strings strings, std::uint64_t *steps)
 {
-    const auto kept = [&](std::string_view text) {
-        return strings == Strings::Shared ? text.data() : copyString(text.data(), text.size());
+    const auto kept = [&](const char *text) {
+        return strings == Strings::Shared ? text : copyString(text, std::strlen(text));
     };
     attributes.clear();
     bool isLiteral = true;
     for (const XMLAttribute &attribute : source->attributes()) {
-        std::string_view text = attribute.value ? attribute.value : "";
-        if (!source->isLiteral() && hasReference(text, steps)) {
-            text = expanded(text, macros, steps);
-            isLiteral = isLiteral && text.find('$') == std::string_view::npos;
+        const char *value = attribute.value;
+        if (value && !source->isLiteral() && hasReference(value, steps)) {
+            value = expanded(value, macros, steps).data();
+            isLiteral = isLiteral && *findReference(value) == '\0';
         }
-        const char *value = text.empty() ? nullptr : text.data();
         if (value && value == attribute.value)
-            value = kept(text);
+            value = kept(value);
+        if (value && *value == '\0')
+            value = nullptr;
         attributes.push_back({kept(attribute.name), value});
     }
     XMLElement *copy = createElement(source->name());
@@ -82,9 +97,8 @@ std::uint64_t QXMLDocument::expandAttributes(XMLElement *element, MacroLookup &m
     if (element->isLiteral())
         return steps;
     for (XMLAttribute &attribute : element->attributes()) {
-        const std::string_view text = attribute.value ? attribute.value : "";
-        if (hasReference(text, &steps))
-            attribute.value = expanded(text, macros, &steps).data();
+        if (attribute.value && hasReference(attribute.value, &steps))
+            attribute.value = expanded(attribute.value, macros, &steps).data();
     }
     return steps;
 }

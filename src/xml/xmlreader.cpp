@@ -39,7 +39,9 @@ char *passByte(char *from)
 
 }  // namespace
 
-XMLReader::XMLReader(XMLDocument *target, std::span<char> text) : document(target)
+XMLReader::XMLReader(XMLDocument *target, std::span<char> text, bool wantsLines)
+    : document(target),
+      countsLines(wantsLines)
 {
     continueIn(text);
 }
@@ -49,7 +51,7 @@ void XMLReader::continueIn(std::span<char> text)
     textEnd = text.data() + text.size();
     assert(*textEnd == '\0');
     // A newline that is the very first byte is never counted.
-    nextNewline = text.empty() ? textEnd : findByte('\n', text.data() + 1);
+    nextNewline = text.empty() || !countsLines ? textEnd : findByte('\n', text.data() + 1);
     ampersands = NextByte('&', text);
     dollars = NextByte('$', text);
     position = pass(Space, text.data());

@@ -32,7 +32,8 @@ class XMLDocument;
 class XMLReader
 {
 public:
-    XMLReader(XMLDocument *target, std::span<char> text);
+    /// Without \a wantsLines all nodes and the error are in line 0.
+    XMLReader(XMLDocument *target, std::span<char> text, bool wantsLines = true);
 
     /// The last top-level element that was closed. Null when there is none.
     XMLNode *read();
@@ -125,6 +126,7 @@ private:
     void countLines(const char *where);
 
     XMLDocument *document;
+    const bool countsLines;
     char *position = nullptr;
     const char *textEnd = nullptr;
     NextByte ampersands{'&', {}};
