@@ -117,6 +117,7 @@ XMLNode **Walk::repeat(directive::Rounds *rounds, XMLNode **link, XMLElement &el
                        const Level &level)
 {
     directive::Chain copies{element.parent};
+    const std::size_t mostBytes = run.limits.growth / rounds->count;
     bool isOneByOne = output;
     for (bool goesOn = true; goesOn && !run.isStopped();) {
         const Pool::Mark before = run.document.mark();
@@ -124,7 +125,7 @@ XMLNode **Walk::repeat(directive::Rounds *rounds, XMLNode **link, XMLElement &el
         const std::size_t fragmentsBefore = run.storedFragments;
         goesOn = rounds->make(run, &copies);
         const std::size_t bytes = run.document.bytesUsed() - bytesBefore;
-        isOneByOne = isOneByOne && bytes <= run.limits.growth / rounds->count;
+        isOneByOne = isOneByOne && bytes <= mostBytes;
         if (isOneByOne) {
             walkChain(&copies.first, nullptr, level);
             if (run.storedFragments == fragmentsBefore)
