@@ -111,14 +111,15 @@ void Walk::end(const char *name)
         output->endElement(name);
 }
 
-/// Where copies of that size are too many to be brought in, all are made first as without an output:
-/// then nothing is written before that is found out.
+/// Rounds are walked one by one while the copies are not too many to be brought in, and not too many
+/// loops are being walked like that: each takes of the stack. From there on all are made first, as
+/// without an output, and what is too much is found out before more is written.
 XMLNode **Walk::repeat(directive::Rounds *rounds, XMLNode **link, XMLElement &element,
                        const Level &level)
 {
     directive::Chain copies{element.parent};
     const std::size_t mostBytes = run.limits.growth / rounds->count;
-    bool isOneByOne = output;
+    bool isOneByOne = output && loopsInside < run.limits.nestedLevels / levelsPerLoop;
     for (bool goesOn = true; goesOn && !run.isStopped();) {
         const Pool::Mark before = run.document.mark();
         const std::size_t bytesBefore = run.document.bytesUsed();
@@ -127,7 +128,9 @@ XMLNode **Walk::repeat(directive::Rounds *rounds, XMLNode **link, XMLElement &el
         const std::size_t bytes = run.document.bytesUsed() - bytesBefore;
         isOneByOne = isOneByOne && bytes <= mostBytes;
         if (isOneByOne) {
+            ++loopsInside;
             walkChain(&copies.first, nullptr, level);
+            --loopsInside;
             if (run.storedFragments == fragmentsBefore)
                 run.document.release(before);
             copies = {element.parent};

@@ -87,5 +87,9 @@ private:
     XMLNode **replace(XMLElement &replacement, XMLNode **link, XMLElement &element,
                       const Content &content);
 
+    /// One loop that is walked round by round for so many levels that may be nested.
+    static constexpr int levelsPerLoop = 50;
+
     XMLWriter *output;
+    int loopsInside = 0;  ///< loops walked round by round, each in a round of the one before
 };
