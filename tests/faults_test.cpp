@@ -31,6 +31,7 @@ public:
         for (int tags = needsTree ? 1 : 10; tags > 0; --tags)
             text += "<z v=\"" + std::string(needsTree ? 100'000 : 10'000, 'z') + "\"/>";
         write("in.xml", text + "</r>");
+        write("out.d", "old");
         replace("out.xml", "old");
         fs::create_symlink("out.xml", file("link.xml"));
     }
@@ -41,15 +42,18 @@ public:
         fs::permissions(file("new.xml"), fs::perms(0640));
         fs::rename(file("new.xml"), file(name));
     }
-    /// Nobody ever sees half an output, and no more is left beside it than \a mostLeft.
+    /// Nobody ever sees half an output, or a new one beside an old out.d. At most \a mostLeft stay.
     void expectWhole(const std::string &right, int mostLeft) const
     {
         for (const char *name : {"out.xml", "link.xml"}) {
             const std::string content = readFile(file(name));
             EXPECT_TRUE(content == "old" || content == "other" || content == right);
         }
+        const std::string rules = readFile(file("out.d"));
+        EXPECT_TRUE(rules == "old" ? readFile(file("out.xml")) != right
+                                   : rules.ends_with("/tests.xml:\n"));
         EXPECT_EQ(fs::status(file("out.xml")).permissions(), fs::perms(0640));
-        EXPECT_LE(std::distance(fs::directory_iterator(path()), {}), 3 + mostLeft);
+        EXPECT_LE(std::distance(fs::directory_iterator(path()), {}), 4 + mostLeft);
     }
 };
 
@@ -104,8 +108,8 @@ protected:
         int number = -1;
         std::optional<long> result;
         isReached = false;
-        child = startCommand({XMLPP_COMMAND, "in.xml", "link.xml"}, files.path(),
-                             notes.file("prints"), [&] {
+        child = startCommand({XMLPP_COMMAND "-depfile", "out.d", "in.xml", "link.xml"},
+                             files.path(), notes.file("prints"), [&] {
                                  if (event.isIgnored)
                                      std::signal(event.signal, SIG_IGN);
                                  if (event.error == ENOMEM)
@@ -126,7 +130,7 @@ protected:
                 ++number;
             isReached = isReached || (number == wanted && call != SYS_exit_group);
             if (number >= wanted)
-                files.expectWhole(right, 1);
+                files.expectWhole(right, 2);
             if (number < 0 || !isHit(number, call, wanted))
                 continue;
             if (event.error != 0) {
@@ -162,7 +166,7 @@ TEST_P(Command, LeavesTheOldOutputOrTheNewOne)
         const Files files(needsTree);
         const auto [exitStatus, prints] = run(files, number);
         failed += exitStatus != 0;
-        files.expectWhole(right, event.signal == SIGKILL ? 1 : 0);
+        files.expectWhole(right, event.signal == SIGKILL ? 2 : 0);
         if (event.replaced) {
             EXPECT_EQ(prints, "");
         } else if (isReached && event.signal != 0 && !event.isIgnored) {

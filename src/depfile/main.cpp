@@ -5,35 +5,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 namespace
 {
-
-/// A document that knows which files it was made of.
-class DependentDocument : public MyXMLPP2
-{
-public:
-    using MyXMLPP2::MyXMLPP2;
-
-    void fileLoaded(const std::string &path, const XMLElement * /*root*/,
-                    const XMLElement * /*includedBy*/) override
-    {
-        if (const auto [position, isNew] = known.insert(path); isNew)
-            files.push_back(&*position);
-    }
-
-    /// One rule for the output and, so that a file that goes away stops no build, one without
-    /// prerequisites for each file that the document includes.
-    std::string dependencies(const char *outFile) const;
-
-private:
-    std::unordered_set<std::string> known;
-    std::vector<const std::string *> files;  ///< in the order of their first use
-};
 
 /// A name as Make and Ninja read it.
 std::string escaped(std::string_view name)
@@ -49,8 +27,13 @@ std::string escaped(std::string_view name)
     return text;
 }
 
-std::string DependentDocument::dependencies(const char *outFile) const
+/// One rule for the output and, so that a file that goes away stops no build, one without
+/// prerequisites for each file that the document includes.
+std::string dependencies(const char *outFile, const FileNumbers &numbers)
 {
+    std::vector<const std::string *> files(numbers.size());
+    for (const auto &[path, number] : numbers)
+        files[number] = &path;
     std::string rules = escaped(outFile).append(":");
     for (const std::string *file : files)
         rules.append(" \\\n  ").append(escaped(*file));
@@ -64,15 +47,18 @@ int preprocess(command::Arguments arguments)
 {
     const command::Arguments shared = arguments.subspan(1);
     // Never destroyed, as in xmlpp.
-    static DependentDocument &document = *new DependentDocument(false);
-    if (!command::preprocess(&document, shared))
+    static MyXMLPP2 &document = *new MyXMLPP2(false);
+    FileNumbers files;
+    document.files = &files;
+    std::unique_ptr<OutputFile> output;
+    if (!command::preprocess(&document, shared, &output))
         return EXIT_FAILURE;
-    const std::string rules = document.dependencies(shared[1]);
+    const std::string rules = dependencies(shared[1], files);
     OutputFile file(arguments[0]);
     // What cannot be written is seen when the file is finished.
     if (file.stream())
         std::fwrite(rules.data(), 1, rules.size(), file.stream());
-    return command::save(&document, shared, &file) ? EXIT_SUCCESS : EXIT_FAILURE;
+    return command::save(&document, shared, output.get(), &file) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 }  // namespace

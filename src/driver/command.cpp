@@ -92,6 +92,19 @@ char *doctype(Arguments arguments)
     return arguments.size() == 4 ? arguments[3] : nullptr;
 }
 
+/// preprocess() where there has to be a tree.
+bool preprocessTree(XMLPP2 *document, Arguments arguments)
+{
+    document->limits = limits();
+    if (!document->preprocessFile(arguments[0], macroList(arguments), true)) {
+        std::fprintf(stderr, "load error %s at %d\n", document->errorMessage, document->errorLine);
+        return false;
+    }
+    if (char *const given = doctype(arguments))
+        document->doctype = given;
+    return true;
+}
+
 }  // namespace
 
 void execute(const Program &program, int argc, char **argv)
@@ -115,14 +128,23 @@ Limits limits()
 
 bool process(XMLPP2 *document, Arguments arguments, const windows::Sizes &sizes)
 {
+    std::unique_ptr<OutputFile> output;
+    return preprocess(document, arguments, &output, sizes) &&
+           save(document, arguments, output.get());
+}
+
+bool preprocess(XMLPP2 *document, Arguments arguments, std::unique_ptr<OutputFile> *output,
+                const windows::Sizes &sizes)
+{
     std::string refusal;
     switch (windows::preprocess({.inFile = arguments[0],
                                  .outFile = arguments[1],
                                  .macroList = macroList(arguments),
                                  .doctype = doctype(arguments),
                                  .limits = limits(),
-                                 .sizes = sizes},
-                                &refusal)) {
+                                 .sizes = sizes,
+                                 .files = document->files},
+                                output, &refusal)) {
     case windows::Outcome::Written:
         return true;
     case windows::Outcome::Refused:
@@ -131,24 +153,13 @@ bool process(XMLPP2 *document, Arguments arguments, const windows::Sizes &sizes)
     case windows::Outcome::NeedsTree:
         break;
     }
-    return preprocess(document, arguments) && save(document, arguments);
+    return preprocessTree(document, arguments);
 }
 
-bool preprocess(XMLPP2 *document, Arguments arguments)
+bool save(XMLPP2 *document, Arguments arguments, OutputFile *output, OutputFile *companion)
 {
-    document->limits = limits();
-    if (!document->preprocessFile(arguments[0], macroList(arguments), true)) {
-        std::fprintf(stderr, "load error %s at %d\n", document->errorMessage, document->errorLine);
-        return false;
-    }
-    if (char *const given = doctype(arguments))
-        document->doctype = given;
-    return true;
-}
-
-bool save(XMLPP2 *document, Arguments arguments, OutputFile *companion)
-{
-    if (document->QXMLDocument::save(arguments[1], 2, companion))
+    if (output ? document->commit(output, companion)
+               : document->QXMLDocument::save(arguments[1], 2, companion))
         return true;
     std::fprintf(stderr, "save error %s\n", document->errorMessage);
     return false;

@@ -4,6 +4,7 @@
 #include "xmlpp2.h"
 
 #include <cstddef>
+#include <memory>
 #include <span>
 
 /// The road from a program's arguments to its exit status, which all our programs take.
@@ -27,17 +28,21 @@ struct Program {
 /// The bounds of a run on the stack that the process has.
 Limits limits();
 
-/// preprocess() and save(), a piece at a time where that gives the same (see windows.h). The document
-/// should not be one that wants to be told of the files, which it is only of those in a tree.
+/// preprocess() and save().
 bool process(XMLPP2 *document, Arguments arguments, const windows::Sizes &sizes = {});
 
-/// Loads the document that \a arguments (INFILE OUTFILE [MACROS [DOCTYPE]]) name, executes its
-/// directives and gives it the DOCTYPE. A file that cannot be loaded is one line on standard error and
-/// false.
-bool preprocess(XMLPP2 *document, Arguments arguments);
+/// Executes the directives of the document that \a arguments (INFILE OUTFILE [MACROS [DOCTYPE]])
+/// name, and gives it the DOCTYPE. Where that can be done a piece at a time (see windows.h), *output
+/// receives the file that was written, and of the operations of \a document only reportError() is
+/// called; otherwise *output stays null, and \a document has the tree. A file that cannot be loaded is
+/// one line on standard error and false.
+bool preprocess(XMLPP2 *document, Arguments arguments, std::unique_ptr<OutputFile> *output,
+                const windows::Sizes &sizes = {});
 
-/// Writes OUTFILE, and moves a \a companion into its place with it. A failure is one line on standard
-/// error and false, and both files are as they were.
-bool save(XMLPP2 *document, Arguments arguments, OutputFile *companion = nullptr);
+/// Moves \a output into its place, or writes OUTFILE from the tree where that is null; a \a companion
+/// takes its place with it. A failure is one line on standard error and false, and both files are as
+/// they were.
+bool save(XMLPP2 *document, Arguments arguments, OutputFile *output,
+          OutputFile *companion = nullptr);
 
 }  // namespace command

@@ -1,7 +1,6 @@
 #include "windows.h"
 
 #include "inputtext.h"
-#include "outputfile.h"
 #include "walk.h"
 #include "xmlreader.h"
 #include "xmlwriter.h"
@@ -36,9 +35,10 @@ public:
         throw DirectiveError{message};
     }
 
-    void fileLoaded(const std::string & /*path*/, const XMLElement * /*root*/,
-                    const XMLElement * /*includedBy*/) override
+    void fileLoaded(const std::string &path, const XMLElement *top,
+                    const XMLElement *includedBy) override
     {
+        XMLPP2::fileLoaded(path, top, includedBy);
         checkHead();
     }
 
@@ -109,7 +109,7 @@ std::span<char> emptyText()
 class Windows
 {
 public:
-    Windows(const Request &wanted, InputStream source, OutputFile *target);
+    Windows(const Request &wanted, InputStream source, FILE *output);
     /// What a document leaves is filled, to show stale pointers; here that takes longer than small runs.
     ~Windows() { document.release({}); }
     Windows(const Windows &) = delete;
@@ -135,7 +135,6 @@ private:
     const Request &request;
     const directive::Level level;
     const InputStream input;
-    OutputFile &file;
     XMLWriter writer;
     WindowDocument document;
     MacroMap macros;
@@ -154,22 +153,23 @@ private:
     std::string refusal;  ///< why the walk has ended; empty as long as it goes on
 };
 
-Windows::Windows(const Request &wanted, InputStream source, OutputFile *target)
+Windows::Windows(const Request &wanted, InputStream source, FILE *output)
     : request(wanted),
       level{wanted.inFile, true, 0},
       input(std::move(source)),
-      file(*target),
-      writer(target->stream(), 2),
+      writer(output, 2),
       macros(XMLPP2::macrosOf(wanted.macroList)),
       walk(&document, &macros, &writer),
       reader(&document, emptyText(), /*wantsLines=*/false)
 {
     document.limits = request.limits;
+    document.files = request.files;
 }
 
 Outcome Windows::run(std::string *message)
 {
     const CurrentPool current(&document);
+    document.fileLoaded(request.inFile, nullptr, nullptr);
     do {
         readText();
         read();
@@ -180,7 +180,7 @@ Outcome Windows::run(std::string *message)
     if (!refusal.empty())
         return Outcome::Refused;
     writer.flush();
-    return file.commit() ? Outcome::Written : Outcome::NeedsTree;
+    return Outcome::Written;
 }
 
 /// Puts what was not read yet at the beginning of a new window, and more behind it.
@@ -352,18 +352,27 @@ void Windows::execute(Step step)
 
 }  // namespace
 
-Outcome preprocess(const Request &request, std::string *message)
+Outcome preprocess(const Request &request, std::unique_ptr<OutputFile> *output,
+                   std::string *message)
 {
     if (!canBeReadAgain(request.inFile))
         return Outcome::NeedsTree;
     try {
         InputStream input = openInput(request.inFile);
-        OutputFile output(request.outFile, true);
-        if (input && output.stream())
-            return std::make_unique<Windows>(request, std::move(input), &output)->run(message);
+        auto file = std::make_unique<OutputFile>(request.outFile, true);
+        if (input && file->stream()) {
+            const auto attempt =
+                std::make_unique<Windows>(request, std::move(input), file->stream());
+            const Outcome outcome = attempt->run(message);
+            if (outcome == Outcome::Written)
+                *output = std::move(file);
+            return outcome;
+        }
     } catch (const NeedsTree &) {
     } catch (const std::bad_alloc &) {
     }
+    if (request.files)
+        request.files->clear();
     return Outcome::NeedsTree;
 }
 

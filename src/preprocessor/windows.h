@@ -1,8 +1,10 @@
 #pragma once
 
-#include "budget.h"
+#include "outputfile.h"
+#include "xmlpp2.h"
 
 #include <cstddef>
+#include <memory>
 #include <string>
 
 /// A run of the preprocessor that needs no tree of the whole document: it is read, walked and
@@ -36,7 +38,6 @@
 /// | an include that is no regular file | as for the document; it is an error here | XMLDocument::load() |
 /// | copies that share more than 4 GiB of text | they may be too many to be written | Walk::carryOut() |
 /// | memory that runs out | as an error of a directive | preprocess() |
-/// | an output that cannot be written whole | as an error of a directive | run() |
 ///
 /// A spent budget is no reason: the same work would only be done again. The rest of the document is read,
 /// as an error in it would come first, and then the bound is reported.
@@ -56,6 +57,7 @@ struct Request {
     const char *doctype;  ///< instead of the document's; null for that
     Limits limits;
     Sizes sizes;
+    FileNumbers *files = nullptr;  ///< receives the files that were read; can be null
 };
 
 enum class Outcome {
@@ -65,7 +67,10 @@ enum class Outcome {
 };
 
 /// Preprocesses a file with expansion and writes the result, indented by two spaces, as
-/// XMLPP2::preprocessFile() and save() would do. *message receives why it was Refused.
-Outcome preprocess(const Request &request, std::string *message);
+/// XMLPP2::preprocessFile() and save() would do, up to save()'s last step: where it was Written,
+/// *output receives the file for XMLDocument::commit(). *message receives why it was Refused. Where
+/// the tree is needed, no files are listed.
+Outcome preprocess(const Request &request, std::unique_ptr<OutputFile> *output,
+                   std::string *message);
 
 }  // namespace windows

@@ -3,9 +3,14 @@
 #include "budget.h"
 #include "qxmldocument.h"
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+
+/// Files by their paths, each numbered from 0 in the order of its first use.
+using FileNumbers = std::unordered_map<std::string, std::size_t>;
 
 /// A document that executes the directives in it. One run per object: load, walk, then save.
 class XMLPP2 : public QXMLDocument
@@ -39,10 +44,13 @@ public:
     /// first, then each include, as often as it is included. \a root is null for a file with an
     /// error, which errorMessage and errorLine tell, and for one without an element. \a includedBy
     /// is the directive, null for the document.
-    virtual void fileLoaded(const std::string & /*path*/, const XMLElement * /*root*/,
+    virtual void fileLoaded(const std::string &path, const XMLElement * /*root*/,
                             const XMLElement * /*includedBy*/)
     {
+        if (files)
+            files->try_emplace(path, files->size());
     }
+    FileNumbers *files = nullptr;  ///< receives what fileLoaded() is told; null where nobody asks
 
     /// Where readsExpressions is set, called with every expression that a directive has evaluated, as
     /// it is once its macros are expanded. \a failure says why it has no value that the directive

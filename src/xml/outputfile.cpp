@@ -214,16 +214,16 @@ void OutputFile::forgetTemporary()
 
 bool OutputFile::finish()
 {
-    FILE *stream = std::exchange(file, nullptr);
-    if (!stream)
-        return false;
-    const bool written = std::fflush(stream) == 0 && !std::ferror(stream);
-    return std::fclose(stream) == 0 && written;
+    if (FILE *stream = std::exchange(file, nullptr)) {
+        const bool written = std::fflush(stream) == 0 && !std::ferror(stream);
+        isWhole = std::fclose(stream) == 0 && written;
+    }
+    return isWhole;
 }
 
 bool OutputFile::commit()
 {
-    if (file && !finish())
+    if (!finish())
         return false;
     if (temporary.empty())
         return true;

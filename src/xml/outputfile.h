@@ -34,11 +34,10 @@ public:
     const char *name() const { return given.c_str(); }
 
     /// Whether there was a stream and all that was written to it has reached the temporary file.
-    /// Called once; ends the use of the stream.
+    /// Ends the use of the stream.
     bool finish();
 
-    /// Whether the file is in its place, finished if it was not yet. Not after a finish() that
-    /// failed.
+    /// Whether the file is in its place, finished if it was not yet. Called once.
     bool commit();
 
 private:
@@ -53,6 +52,7 @@ private:
     std::string target;     ///< what the temporary file is renamed to
     std::string temporary;  ///< empty when there is no temporary file
     FILE *file = nullptr;
+    bool isWhole = false;  ///< what finish() found
 
     // The chain of those that have a temporary file or are about to make one. A signal can come
     // between any two instructions: so an OutputFile is in the chain before its file is made, its

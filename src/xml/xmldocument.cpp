@@ -104,10 +104,21 @@ bool XMLDocument::save(const char *fileName, int spacesPerLevel, OutputFile *com
     if (companion && !companion->finish())
         return fail("couldn't write ", companion->name());
     OutputFile file(fileName);
-    const bool written = file.stream() && write(file.stream(), spacesPerLevel) && file.finish();
-    if (written && companion && !companion->commit())
-        return fail("couldn't write ", companion->name());
-    return (written && file.commit()) || fail("couldn't write ", fileName);
+    if (file.stream())
+        write(file.stream(), spacesPerLevel);
+    return commit(&file, companion);
+}
+
+bool XMLDocument::commit(OutputFile *file, OutputFile *companion)
+{
+    // Both have to be whole before either takes its place.
+    for (const auto step : {&OutputFile::finish, &OutputFile::commit}) {
+        for (OutputFile *each : {companion, file}) {
+            if (each && !(each->*step)())
+                return fail("couldn't write ", each->name());
+        }
+    }
+    return true;
 }
 
 void XMLDocument::writeNode(FILE *stream, const XMLNode *node, int depth) const

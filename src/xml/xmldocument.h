@@ -45,6 +45,8 @@ public:
     /// written already. It takes its place when all of this file has been written, right before
     /// it; where one of the two cannot be written, both are left as they were.
     bool save(const char *fileName, int spacesPerLevel, OutputFile *companion = nullptr);
+    /// The last step of save(), for a \a file that something else has written.
+    bool commit(OutputFile *file, OutputFile *companion);
 
     /// Writes \a node, which can be null, with all below it, as it stands \a depth levels deep,
     /// indented as the last write() was.
