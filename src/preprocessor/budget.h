@@ -61,8 +61,8 @@ enum class Price : std::uint32_t {
 class Budget
 {
 public:
-    /// Growth is that of \a target and \a scopes from here on, whether it is still held or was
-    /// released. All must outlive this object.
+    /// Growth is that of \a target from here on, whether it is still held or was released, and that
+    /// of \a scopes, as far as it is held. All must outlive this object.
     Budget(const Limits &atMost, const Pool &target, const MacroScopes &scopes);
 
     /// Tells that \a taken bytes are no growth but what it took to read the document, which has become

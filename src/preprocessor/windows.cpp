@@ -121,7 +121,7 @@ private:
     void readText();
     void read();
     bool readOn(const char *to, std::size_t fewestOpen);
-    std::size_t firstOpenDirective();
+    std::size_t levelsAroundDirective();
     bool finishWindow();
     void walkTop();
     void enterLevel(XMLReader::OpenElement *open);
@@ -211,10 +211,10 @@ void Windows::readText()
 /// directive is open.
 void Windows::read()
 {
-    const char *const middle = isEnd ? limit : limit - request.sizes.text / 8;
-    while (!readOn(middle, levels.size()))
+    const char *const earlyEnd = isEnd ? limit : limit - request.sizes.text / 8;
+    while (!readOn(earlyEnd, levels.size()))
         leaveLevel();
-    const std::size_t outermost = firstOpenDirective();
+    const std::size_t outermost = levelsAroundDirective();
     if (outermost < reader.openElements().size())
         readOn(limit, outermost + 1);
 }
@@ -233,8 +233,8 @@ bool Windows::readOn(const char *to, std::size_t fewestOpen)
     return reader.openElements().size() >= fewestOpen;
 }
 
-/// How many elements are open around the outermost directive, or at all.
-std::size_t Windows::firstOpenDirective()
+/// How many elements are open around the outermost directive that is, or at all.
+std::size_t Windows::levelsAroundDirective()
 {
     const std::vector<XMLReader::OpenElement> &open = reader.openElements();
     std::size_t first = levels.size();
@@ -254,7 +254,7 @@ bool Windows::finishWindow()
         walkTop();
     else
         walkLevel(&open[levels.size() - 1]);
-    for (const std::size_t all = firstOpenDirective(); levels.size() < all;)
+    for (const std::size_t all = levelsAroundDirective(); levels.size() < all;)
         enterLevel(&open[levels.size()]);
     return levels.size() == open.size() && (isRootWritten || !open.empty());
 }
@@ -344,7 +344,7 @@ void Windows::execute(Step step)
     try {
         step();
     } catch (const DirectiveError &error) {
-        if (!walk.run.budget.isSpent())
+        if (!walk.run.isStopped() || !walk.run.budget.isSpent())
             throw NeedsTree();
         refusal = error.message;
     }

@@ -18,29 +18,35 @@
 /// macros; what was not read yet, which is where the next window begins; and fragments, whose window
 /// is kept as it is.
 ///
-/// A directive is walked when it is there as a whole: as long as one is open, the window goes on.
+/// A directive is walked when it is there as a whole: as long as one is open, the window goes on. So a
+/// document in one directive takes as much memory as its tree.
 ///
-/// Nobody can tell from the result whether there were windows. Where that would not be so, the tree
-/// is used (XMLPP2::preprocessFile), from the start, and nothing is left of the attempt. This is all
+/// Nobody can tell from the result whether there were windows. Where that would not be so, all is done
+/// from the start with the tree (command::preprocess), and nothing is left of the attempt. This is all
 /// that is done with the tree:
 ///
 /// | what | why | found by |
 /// |---|---|---|
-/// | a document that is no regular file | it cannot be read a second time | canBeReadAgain() |
-/// | an output that is written in place | that cannot be taken back | OutputFile |
-/// | an error in the document's text | nothing may be executed then | XMLReader::readOn() |
-/// | a tag, or text, longer than the look-ahead | it may go on behind the window | Windows::read() |
-/// | no root, a second or an unclosed one | the last one closed counts | Windows::finishWindow(), finish() |
-/// | a root that is a directive | what it leaves must be one element | Windows::walkRoot() |
-/// | a later declaration or DOCTYPE | the first ones are written | WindowDocument::checkHead() |
-/// | open elements past the bound on nesting | an empty one would be no level | Windows::enterLevel() |
+/// | a document that is no regular file or cannot be read | it cannot be read a second time; the error is told there | preprocess(), Windows::readText() |
+/// | an output that is written in place or cannot be opened | what is in place cannot be taken back; the error is told there | preprocess() |
+/// | text at which the reader stops early | if that is an error, nothing may be executed; else there is no root | Windows::readOn() |
+/// | a tag, or text, longer than the look-ahead | it may go on behind the window | Windows::readOn() |
+/// | no root, or an unclosed one | the last element that was closed counts, known at the end only | Windows::finishWindow(), finish() |
+/// | a second root behind one that is written | the last one counts | Windows::walkTop() |
+/// | a root that is a directive | what it leaves must be one element | Windows::walkTop() |
+/// | a declaration or DOCTYPE behind the root's beginning, or in an include, that is another one | it would replace the head, which is written | WindowDocument::checkHead() |
+/// | an element that is open at the bound on nesting | it is too deep only if there is anything in it, which is not known yet | Windows::enterLevel() |
 /// | an error of a directive | one in the text of the document comes first; all copies of a loop are made before the first is walked | Windows::execute() |
 /// | an include that is no regular file | as for the document; it is an error here | XMLDocument::load() |
 /// | copies that share more than 4 GiB of text | they may be too many to be written | Walk::carryOut() |
+/// | shared text, or a bound met, that may not be too much for the whole document | what is behind raises the bound on work, and takes part of the output away | Windows::finish() |
 /// | memory that runs out | as an error of a directive | preprocess() |
 ///
-/// A spent budget is no reason: the same work would only be done again. The rest of the document is read,
-/// as an error in it would come first, and then the bound is reported.
+/// Otherwise a bound that is met is final, as the tree would meet it after the same work: nothing more
+/// is walked, but the rest of the document is read, since an error in it would come first. Two things
+/// can differ at the bounds. A document that goes past two of them can be refused for the other one.
+/// And while a loop is walked round by round, an include in it finds more room left than behind all
+/// copies, which only matters for a file that a NUL cuts short: of that, just what is read grows.
 namespace windows
 {
 

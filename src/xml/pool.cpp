@@ -77,7 +77,10 @@ void *Pool::allocateFromNextBlock(std::size_t size)
 
 Pool::Block *Pool::takeBlock(std::size_t wanted)
 {
-    for (Block **link = &freeBlocks; *link; link = &(*link)->next) {
+    // Only the latest are looked at: each large piece could have to search many small blocks.
+    constexpr int most = 64;
+    Block **link = &freeBlocks;
+    for (int looked = 0; *link && looked < most; ++looked, link = &(*link)->next) {
         if ((*link)->size >= wanted)
             return std::exchange(*link, (*link)->next);
     }
