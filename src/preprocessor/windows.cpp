@@ -111,7 +111,13 @@ class Windows
 public:
     Windows(const Request &wanted, InputStream source, FILE *output);
     /// What a document leaves is filled, to show stale pointers; here that takes longer than small runs.
-    ~Windows() { document.release({}); }
+    ~Windows()
+    {
+        // Scopes are left in the opposite order, which a deque does not promise.
+        while (!levels.empty())
+            levels.pop_back();
+        document.release({});
+    }
     Windows(const Windows &) = delete;
     Windows &operator=(const Windows &) = delete;
 
