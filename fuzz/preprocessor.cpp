@@ -36,7 +36,7 @@ std::string macroList()
     std::istringstream run(parts["run"]);
     std::string list;
     std::getline(std::getline(run, list, '\''), list, '\'');
-    return list;
+    return list.c_str();  // an argument ends at a NUL
 }
 
 /// Ends the run as a find when windows of some size end otherwise than the tree does: \a right is what

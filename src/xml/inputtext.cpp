@@ -44,18 +44,6 @@ char *allocateText(std::size_t length, Pool *pool)
 
 }  // namespace
 
-// Weak, so that no call here is bound to these where a program brings its own.
-[[gnu::weak]] FILE *openFile(const std::string &name, const char *mode)
-{
-    return std::fopen(name.c_str(), mode);
-}
-
-[[gnu::weak]] bool canBeReadAgain(const std::string &name)
-{
-    struct stat status = {};
-    return stat(name.c_str(), &status) == 0 && S_ISREG(status.st_mode);
-}
-
 InputStream openInput(const char *fileName)
 {
     InputStream stream(openFile(fileName, "rb"));

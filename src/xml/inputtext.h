@@ -8,8 +8,8 @@
 #include <string>
 
 /// Opens a C stream as fopen() does; null when the file cannot be opened. Every file that a document
-/// is read from is opened here, so that a program that keeps its files elsewhere can bring an
-/// openFile() of its own.
+/// is read from is opened here, so that a program that keeps its files elsewhere can bring this and
+/// the next operation of its own.
 FILE *openFile(const std::string &name, const char *mode);
 
 /// Whether the file can be read again: a pipe cannot, and some devices. Found out without opening it.
