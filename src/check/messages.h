@@ -1,60 +1,71 @@
 #pragma once
 
-#include <cstddef>
+#include <algorithm>
 #include <cstdio>
-#include <map>
 #include <set>
 #include <string>
 #include <string_view>
-#include <tuple>
-#include <vector>
+
+/// A file, and what stands above its messages: where it was included first.
+struct SourceFile {
+    std::string path;
+    std::string includes;
+};
 
 /// Where something stands that there is something to say of.
 struct Place {
-    std::size_t file = 0;     ///< its number, see Messages::fileNumber(); 0 is the command line
-    int line = 0;             ///< from 1; 0 for the command line
-    std::size_t element = 0;  ///< the number of the element in the file, from 1; 0 for what is none
+    const SourceFile *file;
+    int line;  ///< from 1; 0 for the command line
 
-    bool operator==(const Place &) const = default;
-    bool operator<(const Place &other) const
+    std::string text() const
     {
-        return std::tie(file, line, element) < std::tie(other.file, other.line, other.element);
+        return line == 0 ? file->path : file->path + ":" + std::to_string(line);
+    }
+    /// SourceFile::includes of what is included here.
+    std::string includes() const
+    {
+        const std::string start = "In file included from ";
+        const std::string outer =
+            file->includes.substr(std::min(start.size(), file->includes.size()));
+        const std::string end = outer.empty() ? ":\n" : ",\n                 from " + outer;
+        return line == 0 ? "" : start + text() + end;
     }
 };
 
-/// What there is to say of a run, in the form that compilers have given to their messages and
-/// editors read. It comes in the order in which the files were loaded, and by line in each.
+/// Writes messages in the form that compilers have given to theirs and editors read, each once.
 class Messages
 {
 public:
-    /// The number of a file, the same for the same path. The directive that includes it stands at
-    /// \a includedAt; the first one counts.
-    std::size_t fileNumber(const std::string &path, const Place &includedAt);
+    explicit Messages(FILE *target) : stream(target) {}
 
-    /// Notes a warning, once.
-    void warn(const Place &place, const char *category, const std::string &text);
-    /// Notes what ended the run. It stands for all else that there is to say of the element.
-    void fail(const Place &place, const std::string &text);
-    /// Writes all of them, and says whether there are any.
-    bool print(FILE *stream) const;
+    void warn(const Place &place, const char *category, const std::string &text)
+    {
+        say(place, "warning: " + text + " [" + category + "]");
+    }
+    void say(const Place &place, const std::string &text)
+    {
+        const std::string line = place.text() + ": " + text + "\n";
+        if (!said.insert(line).second)
+            return;
+        if (place.file != lastFile)
+            std::fputs(place.file->includes.c_str(), stream);
+        lastFile = place.file;
+        std::fputs(line.c_str(), stream);
+    }
+    bool areThere() const { return !said.empty(); }
 
 private:
-    struct File {
-        std::string path;
-        Place includedAt;
-    };
-    using Message = std::tuple<Place, std::string>;
-
-    std::string placeText(const Place &place) const;
-    std::string includesText(std::size_t file) const;
-
-    std::map<std::string, std::size_t> numbers;
-    std::vector<File> files = {{"xmlpp-check", {}}};
-    std::set<Message> warnings;
-    std::vector<Message> errors;
+    FILE *const stream;
+    const SourceFile *lastFile = nullptr;
+    std::set<std::string> said;
 };
 
 /// \a text in quotes, on one line, and only its beginning if it is long.
-std::string inQuotes(std::string_view text);
-/// How an element of that name is called.
-std::string inTag(std::string_view name);
+inline std::string inQuotes(std::string_view text)
+{
+    constexpr std::size_t most = 60;
+    std::string result(text.substr(0, most));
+    const auto isControl = [](unsigned char c) { return c < ' '; };
+    std::ranges::replace_if(result, isControl, ' ');
+    return '"' + result + (text.size() > most ? "...\"" : "\"");
+}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "macrolist.h"
 #include "macrovalues.h"
 #include "run.h"
 
@@ -10,6 +11,9 @@
 #include <vector>
 
 // What the language calls things, for those who look at a document without executing it.
+
+using directive::attributeText;
+using directive::textOf;
 
 /// A directive, or a branch of <switch>, and the attributes that it knows.
 struct KnownAttributes {
@@ -39,40 +43,69 @@ inline bool isNamed(const XMLElement &element, std::initializer_list<std::string
     return std::ranges::find(names, element.name()) != names.end();
 }
 
-inline bool isBranch(std::string_view name)
-{
-    return name == "case" || name == "default";
-}
-
 /// The macro that a condition asks for; empty for what asks for none.
-inline std::string askedMacro(const XMLElement &element)
+inline std::string_view askedMacro(const XMLElement &element)
 {
     if (isNamed(element, {"if", "ifnot"}) && !element.attributes().empty())
         return element.attributes().front().name;
     const bool asksByName = isNamed(element, {"ifdef", "ifndef", "switch"});
-    return std::string(asksByName ? directive::attributeText(element, "name") : "");
-}
-
-/// The macros of a loop's rounds; none for what is no loop.
-inline std::vector<std::string> macrosOfLoop(const XMLElement &element)
-{
-    std::vector<std::string> macros;
-    if (isNamed(element, {"for"})) {
-        for (const char *suffix : {"", "_alpha", "_hex", "_ap", "_ap_hex"})
-            macros.push_back(std::string(directive::attributeText(element, "index")) + suffix);
-    } else if (isNamed(element, {"foreach"})) {
-        for (const XMLAttribute &attribute : element.attributes())
-            macros.emplace_back(attribute.name);
-    }
-    return macros;
+    return asksByName ? attributeText(element, "name") : "";
 }
 
 /// The entries of the macro list that an element brings; none where it brings no macros.
 inline std::vector<std::string> macroItems(const XMLElement &element)
 {
-    if (!isNamed(element, {"include", "xmlput"}))
-        return {};
-    std::string list(directive::attributeText(element, "macros"));
+    std::string list(attributeText(element, "macros"));
     std::erase(list, '\n');
-    return MacroValues::splitMacroList(list, false);
+    return MacroValues::splitMacroList(isNamed(element, {"include", "xmlput"}) ? list : "", false);
+}
+
+/// The macros that an element defines, for the rounds of a loop as well.
+inline std::vector<std::string> definedMacros(const XMLElement &element)
+{
+    std::vector<std::string> macros;
+    if (isNamed(element, {"define"}))
+        macros.emplace_back(attributeText(element, "name"));
+    if (isNamed(element, {"for"}))
+        macros.emplace_back(attributeText(element, "index"));
+    if (isNamed(element, {"foreach"})) {
+        for (const XMLAttribute &attribute : element.attributes())
+            macros.emplace_back(attribute.name);
+    }
+    for (const std::string &item : macroItems(element))
+        macros.emplace_back(nameAndValue(item).first);
+    return macros;
+}
+
+/// Hands the name of every reference in \a text to \a take, with the character that ends it: ')', the
+/// ':' of a default, '$' or '(' where the name is not known before the run, NUL where it never ends.
+template <typename Take>
+void forEachReference(std::string_view text, Take take)
+{
+    for (std::size_t at = text.find("$("); at != std::string_view::npos; at = text.find("$(", at)) {
+        at += 2;
+        const std::size_t end = std::min(text.find_first_of(":)$(", at), text.size());
+        take(text.substr(at, end - at), end == text.size() ? '\0' : text[end]);
+    }
+}
+
+inline bool holds(std::string_view text, std::string_view part)
+{
+    return text.find(part) != std::string_view::npos;
+}
+
+inline bool hasBlankAround(std::string_view name)
+{
+    return name.starts_with(' ') || name.ends_with(' ');
+}
+
+/// Whether one character more, less or another one, or another order, make \a a of \a b.
+inline bool isOneEdit(std::string_view a, std::string_view b)
+{
+    const auto first = std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin();
+    const std::string_view x = a.substr(static_cast<std::size_t>(first));
+    const std::string_view y = b.substr(static_cast<std::size_t>(first));
+    const auto rest = [](std::string_view text) { return text.substr(text.empty() ? 0 : 1); };
+    return rest(x) == y || x == rest(y) || rest(x) == rest(y) ||
+           (a.size() == b.size() && std::ranges::is_permutation(a, b));
 }

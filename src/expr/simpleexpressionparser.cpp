@@ -32,10 +32,12 @@ ExpressionObject *SimpleExpressionParser::lookupScopedSymbol(const std::vector<s
     throw ParserException(joined(parts).append(" symbol not found"));
 }
 
-std::string SimpleExpressionParser::failureOf(const char *text)
+std::string SimpleExpressionParser::failureOf(const char *text, bool hasValue)
 {
     try {
         const PlainValue value = evaluate(text);
+        if (hasValue)
+            return lexer.kind() == Token::EndOfInput ? "" : "text is left over behind it";
         return value.isNumeric()                  ? "a number is no truth value"
                : value.isBoolean()                ? "a truth value is no number"
                : value.kind == PlainValue::String ? "a string is no number and no truth value"

@@ -51,10 +51,10 @@ public:
         return evaluateWanted(text, &PlainValue::isBoolean, ok).toBool();
     }
 
-    /// Why \a text has no value, or none of the kind that one of these wants: the message of the
-    /// ParserException, or what the value is instead. They keep no reason, and the short cuts that
-    /// they take do not know one.
-    std::string failureOf(const char *text);
+    /// Why one of these finds no value in \a text: the message of the ParserException, or what the
+    /// value is instead. They keep no reason, and the short cuts that they take do not know one.
+    /// Where the text \a hasValue, empty, but for text behind the expression.
+    std::string failureOf(const char *text, bool hasValue);
 
     /// What the last of these cost, in steps of about a nanosecond: counted, not measured, so that
     /// it is the same in every run, and within a factor of about two of what a clock says.
