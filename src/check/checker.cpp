@@ -61,12 +61,16 @@ public:
     void fileLoaded(const std::string &path, const XMLElement *top,
                     const XMLElement *includedBy) override
     {
-        const Place includedAt = includedBy ? placeOf(includedBy) : commandLine;
+        const Place includedAt = placeOf(includedBy);
         const auto [entry, isNew] =
             sources.try_emplace(path, SourceFile{path, includedAt.includes()});
-        const std::string text = passedReadLimit ? "" : textOfFile(path);
+        const std::string text = isNew && !passedReadLimit ? textOfFile(path) : "";
         // The reader does not count a newline that is the first byte.
-        const Place start = {&entry->second, text.starts_with('\n') ? 2 : 1};
+        if (text.starts_with('\n'))
+            entry->second.firstLine = 2;
+        const Place start = {&entry->second, entry->second.firstLine};
+        if (!includedBy)
+            origin = start;
         const XMLElement *const first = placeElements(start);
         if (top && isNew)
             readAgain(text, start);
@@ -82,7 +86,7 @@ public:
             fail({start.file, start.line + errorLine}, errorMessage);
         const std::string reason = first ? inQuotes(first->name()) + " is never closed"
                                    : text.starts_with("\xEF\xBB\xBF")
-                                       ? "a byte-order mark stands in front of all elements"
+                                       ? "a byte-order mark is in front of all elements"
                                        : "there is no element";
         const Place place = first ? placeOf(first) : start;
         if (includedBy)
@@ -132,7 +136,7 @@ private:
     Place placeOf(const XMLElement *element) const
     {
         const auto found = element ? places.find(element->name()) : places.end();
-        return found == places.end() ? commandLine : found->second;
+        return found == places.end() ? origin : found->second;
     }
 
     /// Reads with the text that the run drops, but without numeric references, so that a byte is one
@@ -185,10 +189,10 @@ private:
                 isNamed(element, {"include"}) && each.name == std::string_view("filename");
             if (!isFileName && holds(textOf(each), "$(") && wasExecuted(element) &&
                 told.insert(each.value).second)
-                forEachReference(textOf(each), [&](std::string_view macro, char end) {
+                for (const auto &[macro, end] : referencesIn(textOf(each))) {
                     if (end == ')')
                         tell(macro, true);
-                });
+                }
         }
     }
 
@@ -204,6 +208,7 @@ private:
 
     const SourceFile program = {"xmlpp-check", ""};
     const Place commandLine = {&program, 0};
+    Place origin = commandLine;          ///< once it is loaded, its beginning
     std::vector<XMLElement *> elements;  ///< all that were made, copies as well
     std::size_t placed = 0;              ///< of them, those that were looked at for their place
     std::unordered_map<const char *, Place> places;  ///< of elements that were read, by their name

@@ -16,8 +16,7 @@ class FileCheck
 public:
     explicit FileCheck(Messages *receiver) : messages(*receiver) {}
 
-    /// Checks the tree of a file, whose line 0 is at \a start. Takes no stack for it, however deep it
-    /// is.
+    /// Checks the tree of a file, whose line 0 is at \a start. Takes no stack for its depth.
     void check(const XMLNode *root, const Place &start, bool hasLatin1)
     {
         isLatin1 = hasLatin1;
@@ -99,10 +98,10 @@ private:
 
     void checkSection(std::string_view text)
     {
-        forEachReference(text, [&](std::string_view macro, char end) {
+        for (const auto &[macro, end] : referencesIn(text)) {
             if (end == ')' && defined.contains(macro))
                 warn("reference", "a CDATA section keeps the reference to " + inQuotes(macro));
-        });
+        }
     }
 
     void checkName(const XMLElement &element)
@@ -116,8 +115,10 @@ private:
             warn("directive", inQuotes(name) + " is no directive");
         for (const auto &[directive, attributes] : knownAttributes) {
             // <includes>, <defined> and <base> are words like any other.
-            if (directive.size() >= 4 && isOneEdit(name, directive) &&
-                !name.starts_with(directive) && (isInSwitch || directive != "case"))
+            const bool isWord =
+                name.starts_with(directive) && (name.ends_with('s') || name.ends_with('d'));
+            if (directive.size() >= 4 && isOneEdit(name, directive) && !isWord &&
+                (isInSwitch || directive != "case"))
                 warn("directive",
                      inQuotes(name) + " is no directive: is it " + inQuotes(directive) + "?");
         }
@@ -154,20 +155,19 @@ private:
 
     void checkValue(std::string_view value, bool isList)
     {
-        const auto isForeign = [](char c) { return static_cast<unsigned char>(c) > 0x7E; };
-        if (!isLatin1 && std::ranges::any_of(value, isForeign))
+        if (!isLatin1 && std::ranges::any_of(value, [](unsigned char c) { return c > 0x7E; }))
             warn("encoding",
-                 "a byte above 0x7E is written as a character of its own in " + inQuotes(value));
+                 "a byte above 0x7E becomes a character of its own in " + inQuotes(value));
         if (isList && (holds(value, ", ") || holds(value, " ,") || holds(value, ",\n")))
             warn("blank", "the blank beside a comma is part of the value in " + inQuotes(value));
-        forEachReference(value, [&](std::string_view macro, char end) {
-            mention(macro, macro.empty() || end == '$' || end == '(');
+        for (const auto &[macro, end] : referencesIn(value)) {
+            mention(macro, macro.empty() || (end != ')' && end != ':'));
             if (end == '\0')
                 warn("reference", "a reference in " + inQuotes(value) + " is not closed");
-            if (end == ':' && !loopMacros.empty() && !loopMacros.contains(macro) &&
-                defined.contains(macro))
+            const bool isFromOutside = !loopMacros.contains(macro) && defined.contains(macro);
+            if (end == ':' && !loopMacros.empty() && isFromOutside)
                 warn("loop", "in a loop the default of " + inQuotes(macro) + " counts at once");
-        });
+        }
     }
 
     /// Computed names can be those of all macros.

@@ -6,10 +6,11 @@
 #include <string>
 #include <string_view>
 
-/// A file, and what stands above its messages: where it was included first.
 struct SourceFile {
     std::string path;
-    std::string includes;
+    std::string
+        includes;       ///< where it was included first, and what includes that, up to the document
+    int firstLine = 1;  ///< what the reader counts as 0
 };
 
 /// Where something stands that there is something to say of.
@@ -24,11 +25,8 @@ struct Place {
     /// SourceFile::includes of what is included here.
     std::string includes() const
     {
-        const std::string start = "In file included from ";
-        const std::string outer =
-            file->includes.substr(std::min(start.size(), file->includes.size()));
-        const std::string end = outer.empty() ? ":\n" : ",\n                 from " + outer;
-        return line == 0 ? "" : start + text() + end;
+        const std::string &outer = file->includes;
+        return line == 0 ? "" : text() + (outer.empty() ? "" : ",\n                 from " + outer);
     }
 };
 
@@ -47,8 +45,8 @@ public:
         const std::string line = place.text() + ": " + text + "\n";
         if (!said.insert(line).second)
             return;
-        if (place.file != lastFile)
-            std::fputs(place.file->includes.c_str(), stream);
+        if (place.file != lastFile && !place.file->includes.empty())
+            std::fprintf(stream, "In file included from %s:\n", place.file->includes.c_str());
         lastFile = place.file;
         std::fputs(line.c_str(), stream);
     }

@@ -77,16 +77,21 @@ inline std::vector<std::string> definedMacros(const XMLElement &element)
     return macros;
 }
 
-/// Hands the name of every reference in \a text to \a take, with the character that ends it: ')', the
-/// ':' of a default, '$' or '(' where the name is not known before the run, NUL where it never ends.
-template <typename Take>
-void forEachReference(std::string_view text, Take take)
+/// A reference to a macro as it begins, at each "$(" of a text.
+struct Reference {
+    std::string_view macro;
+    char end;  ///< ')', the ':' of a default, '$' or '(' in a name, NUL where the text ends
+};
+
+inline std::vector<Reference> referencesIn(std::string_view text)
 {
-    for (std::size_t at = text.find("$("); at != std::string_view::npos; at = text.find("$(", at)) {
+    std::vector<Reference> references;
+    for (std::size_t at = 0; (at = text.find("$(", at)) != std::string_view::npos;) {
         at += 2;
         const std::size_t end = std::min(text.find_first_of(":)$(", at), text.size());
-        take(text.substr(at, end - at), end == text.size() ? '\0' : text[end]);
+        references.push_back({text.substr(at, end - at), end == text.size() ? '\0' : text[end]});
     }
+    return references;
 }
 
 inline bool holds(std::string_view text, std::string_view part)
