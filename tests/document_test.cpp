@@ -150,10 +150,8 @@ TEST(Document, ReadsUpToANulOrToTheLimit)
     } rows[] = {
         {"<a/>", 4, "a"},
         {"<a/>", 3, "too long"},
-        {much, much.size(), "a"},
         {much, much.size() - 1, "too long"},
         {"<a/>" + nul + much + "<b/>", SIZE_MAX, "a"},
-        {much + nul + much + "<b/>", SIZE_MAX, "a"},
         {much + much + "<b/>" + nul + "<c/>", SIZE_MAX, "b"},
         {much, SIZE_MAX, "a", std::uintmax_t{1} << 40},
         {"<a/>", 1 << 20, "too long", std::uintmax_t{1} << 40},

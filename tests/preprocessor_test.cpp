@@ -114,9 +114,7 @@ TEST(Limits, BoundWork)
         {"<ifex expression='1==1" + repeated(500, "+1") + "'/>", 350},
         {"<xmlput name='f' macros='" + repeated(500, "a=1;") + "'/>", 110},
         {"<foreach a='" + repeated(500, "1,") + "' b=','/>", 60},
-        {"<foreach a='1' b='1' c='1'/>", 3},
         {"<if x='" + repeated(500, "y,") + "'/>", 39},
-        {"<define name='x' value='" + repeated(50000, "x") + "'/>", 7},
     };
     for (const auto &[body, millions] : rows) {
         const std::uint64_t work = millions * std::uint64_t{1'000'000};

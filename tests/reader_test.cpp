@@ -1,4 +1,3 @@
-#include "nextbyte.h"
 #include "rows.h"
 #include "treetext.h"
 
@@ -64,19 +63,11 @@ TEST(Reader, FindsRepeatedNamesAmongMany)
     EXPECT_EQ(readingOf("<r>" + tag + tag + "</r>"), "r(" + tree + "," + tree + ")");
 }
 
-TEST(NextByte, IsFoundHoweverFar)
+TEST(Reader, FindsReferencesHoweverFar)
 {
-    // Farther than what is searched at a time, with a NUL on the way.
-    const std::string text = "&" + std::string(100'000, '\0') + "&";
-    const char *at = text.data();
-    NextByte next('&', text);
-    EXPECT_FALSE(next.isBefore(at));
-    EXPECT_TRUE(next.isBefore(at + 1));
-    next.passTo(at + 1);
-    EXPECT_FALSE(next.isBefore(at + 100'001));
-    EXPECT_TRUE(next.isBefore(at + 100'002));
-    next.passTo(at + 100'002);
-    EXPECT_FALSE(next.isBefore(at + 100'002));
+    const std::string far(100'000, 'x');
+    EXPECT_EQ(readingOf("<a x=\"&amp;" + far + "\" y=\"&amp;" + far + "&amp;\"/>"),
+              "a[x=&" + far + " y=&" + far + "&]");
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <sys/stat.h>
 
 namespace
@@ -25,19 +24,13 @@ const Row rows[] = {
     {"<r>*</r>", Outcome::Written},
     {"<?xml version='1'?><!DOCTYPE r><!-- --> <r>*</r>*<!-- -->", Outcome::NeedsTree},
     {"<?xml version='1'?><!DOCTYPE r><!-- --> <r>*</r> <!-- -->", Outcome::Written},
-    {"<r a='a value that fits into the look-ahead but into no window'>*</r>", Outcome::Written},
-    {"<r a='a value that is longer than the look-ahead, whatever else stands in this tag, which "
-     "begins in the first window but does not end there'>*</r>",
-     Outcome::NeedsTree},
-    {"<r>*<if m=''><if m=''>*</if></if>*</r>", Outcome::Written},
-    {"<r>*<xmldef name='f'><a/>*</xmldef>*<xmlput name='f'/></r>", Outcome::Written},
+    {"<r a='fits into the look-ahead, but into no window'>*</r>", Outcome::Written},
+    {"<r a='**'>*</r>", Outcome::NeedsTree},
+    {"<r>*<if m=''>*</if>*</r>", Outcome::Written},
     {"<r><!-- *-->*</r>", Outcome::NeedsTree},
-    // The beginning, the end and the head of a document.
     {"", Outcome::NeedsTree},
     {"text<r>*</r>", Outcome::NeedsTree},
     {"<r>*", Outcome::NeedsTree},
-    {"<r>*</r><s/>", Outcome::NeedsTree},
-    {"<r/><s>", Outcome::NeedsTree},
     {"<if m=''>*<r/></if>", Outcome::NeedsTree},
     {"<r>*</s>", Outcome::NeedsTree},
     {"<r>*<?xml version='1'?></r>", Outcome::NeedsTree},

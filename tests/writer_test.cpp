@@ -26,7 +26,6 @@ TEST(Writer, IndentsElementsAndDoesNotEndTheLineOfText)
     EXPECT_EQ(rewritten("<a><!--<&-->&lt;</a>", 1, true), "<a>\n  <!--<&--> &lt;</a>\n");
     EXPECT_EQ(rewritten("<?xml version=\"1\" encoding=\"&\"?><!DOCTYPE d><a/>", 2),
               "<?xml  version=\"1\" encoding=\"&\" ?>\n<!DOCTYPE d>\n<a/>\n");
-    EXPECT_EQ(rewritten("<? encoding=\"e\"?><!D>", 2), "<?xml  encoding=\"e\" ?>\n<!DOCTYPE >\n");
 }
 
 TEST(Writer, EscapesAllButPrintableAscii)
@@ -37,8 +36,6 @@ TEST(Writer, EscapesAllButPrintableAscii)
     EXPECT_EQ(escaped("a<b & \"c\">'"), "a&lt;b &amp; &quot;c&quot;&gt;'");
     EXPECT_EQ(escaped("\x01\x10\t\n\r\x1F ~\x7F\x80\xE9\xFF"),
               "&#x1;&#x10;&#x9;&#xa;&#xd;&#x1f; ~&#x7f;&#x80;&#xe9;&#xff;");
-    EXPECT_EQ(escaped("0123456789abcdef\x1F \x7E\x7F\x80!#%';=?@"),
-              "0123456789abcdef&#x1f; ~&#x7f;&#x80;!#%';=?@");
     EXPECT_EQ(escaped(nullptr), "");
 }
 

@@ -213,7 +213,8 @@ private:
             else
                 defined.insert(macro);
             // What a loop defines is there in its next round, so that nothing need follow it.
-            if (isNamed(element, {"define"}) && loopMacros.empty() && !holds(macro, "$"))
+            if (isNamed(element, {"define"}) && loopMacros.empty() && !macro.empty() &&
+                !holds(macro, "$"))
                 defines.push_back({element.parent, macro, place, elements});
         }
     }
