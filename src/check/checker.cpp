@@ -28,7 +28,11 @@ std::string textOfFile(const std::string &path)
 class Checker : public XMLPP2
 {
 public:
-    Checker(const Limits &bounds, FILE *stream) : messages(stream) { limits = bounds; }
+    Checker(const Limits &bounds, FILE *stream) : messages(stream)
+    {
+        limits = bounds;
+        readsExpressions = true;
+    }
 
     /// Returns whether there is nothing to say.
     bool check(const std::string &fileName, const std::string &macroList)
@@ -96,17 +100,18 @@ public:
     }
 
     /// What is odd in a loop is said of its first round.
-    void expressionRead(const std::string &text, bool hasValue) override
+    void expressionRead(const XMLElement &element, const std::string &text,
+                        const char *failure) override
     {
         // A reference that is left is said of the attribute.
         if (holds(text, "$("))
             return;
         SimpleExpressionParser parser;
         parser.maximumDepth = limits.expressionDepth;
-        const std::string failure = parser.failureOf(text.c_str(), hasValue);
-        if (!failure.empty() && failed.insert(executed->name()).second)
-            messages.warn(placeOf(executed), "expression",
-                          "the expression " + inQuotes(text) + ": " + failure);
+        const std::string oddity = failure ? failure : parser.failureOf(text.c_str(), true);
+        if (!oddity.empty() && failed.insert(element.name()).second)
+            messages.warn(placeOf(&element), "expression",
+                          "the expression " + inQuotes(text) + ": " + oddity);
     }
 
 private:

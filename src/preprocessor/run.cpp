@@ -49,6 +49,12 @@ std::unique_ptr<Content> Run::contentFor(const XMLElement &directive, const Leve
     return std::make_unique<Content>(this, directive, level);
 }
 
+void Run::tellExpression(const std::string &text, SimpleExpressionParser *failed)
+{
+    const std::string failure = failed ? failed->failureOf(text.c_str(), false) : "";
+    document.expressionRead(*document.executed, text, failed ? failure.c_str() : nullptr);
+}
+
 void Run::report(const std::string &message)
 {
     document.reportError(std::string("XmlPP::processConditionals(): ").append(message));

@@ -34,7 +34,8 @@ public:
         parser.maximumDepth = limits.expressionDepth;
         const Value value = (parser.*evaluate)(text.c_str(), ok);
         budget.spend(Price::Nanosecond, parser.steps());
-        document.expressionRead(text, *ok);
+        if (document.readsExpressions)
+            tellExpression(text, *ok ? nullptr : &parser);
         // It would have a value on a larger stack, and nothing may be lost for that.
         if (parser.wasTooDeep && limits.expressionDepth < Limits().expressionDepth)
             stopTooDeep(limits.expressionDepth);
@@ -91,6 +92,9 @@ public:
     const XMLElement *const firstRoot;  ///< the document's root before the walk
 
 private:
+    /// Calls expressionRead(). Where the expression has failed, \a failed is what evaluated it.
+    void tellExpression(const std::string &text, SimpleExpressionParser *failed);
+
     bool stopped = false;
 };
 

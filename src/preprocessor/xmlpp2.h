@@ -52,9 +52,14 @@ public:
     }
     FileNumbers *files = nullptr;  ///< receives what fileLoaded() is told; null where nobody asks
 
-    /// Called with every expression that the directive in \a executed has evaluated, as it is once
-    /// its macros are expanded, and whether it has a value that the directive can use.
-    virtual void expressionRead(const std::string & /*text*/, bool /*hasValue*/) {}
+    /// Where readsExpressions is set, called with every expression that a directive has evaluated, as
+    /// it is once its macros are expanded. \a failure says why it has no value that the directive
+    /// can use, and is null where it has one.
+    virtual void expressionRead(const XMLElement & /*element*/, const std::string & /*text*/,
+                                const char * /*failure*/)
+    {
+    }
+    bool readsExpressions = false;  ///< why one fails takes longer to find out than that it does
 
     /// The directive that was executed last, to which an error belongs; null until there is one.
     const XMLElement *executed = nullptr;
