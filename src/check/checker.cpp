@@ -39,8 +39,8 @@ public:
     {
         const MacroMap given = macrosOf(macroList);
         for (const auto &[name, value] : given)
-            files.defined.insert(name);
-        files.areOpen = holds(macroList, "$(");
+            fileCheck.defined.insert(name);
+        fileCheck.areOpen = holds(macroList, "$(");
         try {
             preprocessFile(fileName, macroList, true);
             checkResult(given);
@@ -148,7 +148,7 @@ private:
     /// that the file has, and without carriage returns, so that every newline counts.
     void readAgain(std::string text, const Place &start)
     {
-        files.areOpen = files.areOpen || text.empty();
+        fileCheck.areOpen = fileCheck.areOpen || text.empty();
         std::ranges::replace(text, '\r', ' ');
         for (std::size_t at = 0; (at = text.find("&#", at)) != std::string::npos;)
             text[++at] = ' ';
@@ -156,7 +156,7 @@ private:
         document.parse(text.data());
         const bool isLatin1 = encoding && (strcasecmp(encoding, "ISO-8859-1") == 0 ||
                                            strcasecmp(encoding, "latin1") == 0);
-        files.check(document.root, start, isLatin1);
+        fileCheck.check(document.root, start, isLatin1);
     }
 
     /// Says what came to nothing in elements whose attributes were expanded.
@@ -164,7 +164,7 @@ private:
     {
         for (const XMLElement *element : elements) {
             for (std::string &macro : definedMacros(*element))
-                files.defined.insert(std::move(macro));
+                fileCheck.defined.insert(std::move(macro));
         }
         for (const XMLElement *element : elements)
             checkElement(*element);
@@ -172,7 +172,7 @@ private:
             if (hasBlankAround(name))
                 messages.warn(commandLine, "list",
                               "the blanks are part of the name in " + inQuotes(name));
-            else if (!files.areOpen && !files.mentions.contains(name))
+            else if (!fileCheck.areOpen && !fileCheck.mentions.contains(name))
                 messages.warn(commandLine, "unused", "no file mentions " + inQuotes(name));
         }
     }
@@ -180,7 +180,7 @@ private:
     void checkElement(const XMLElement &element)
     {
         const auto tell = [&](std::string_view macro, bool isLeft) {
-            if (!files.defined.contains(macro))
+            if (!fileCheck.defined.contains(macro))
                 messages.warn(placeOf(&element), "undefined", inQuotes(macro) + " is not defined");
             else if (isLeft && !isNamed(element, {"define", "include", "xmlput"}))
                 messages.warn(placeOf(&element), "reference",
@@ -221,7 +221,7 @@ private:
     std::unordered_set<const char *> failed;  ///< names of elements whose expression has no value
     std::unordered_set<const char *> told;    ///< values, which an include can hand on
     Messages messages;
-    FileCheck files = FileCheck(&messages);
+    FileCheck fileCheck = FileCheck(&messages);
 };
 
 }  // namespace
